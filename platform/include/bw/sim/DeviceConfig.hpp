@@ -1,0 +1,82 @@
+// Description of one simulated camera: identity, motion, magnetic distortion, hot-plug times
+// and injected faults. Scenarios are lists of these.
+#pragma once
+
+#include <bw/geometry.hpp>
+#include <bw/types.hpp>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace bw::sim {
+
+enum class MotionProfile {
+    Still,     // standing on a table
+    Gentle,    // held in a hand: slow sway of a few degrees, small accelerations
+    Tumbling,  // turned through every orientation, as for a magnetometer calibration
+};
+
+const char* toString(MotionProfile profile);
+std::optional<MotionProfile> motionProfileFromString(const std::string& text);
+
+// Faults a scenario or a test can switch on. All off by default.
+struct Faults {
+    bool magSaturated = false;           // uncalibrated magnetometer z reads exactly 2048 µT
+    bool repeatedImuTimestamps = false;  // every other IMU record repeats the previous timestamp
+    bool imuUnavailable = false;
+    bool magUnavailable = false;  // reported unavailable although the model has one
+    bool baroUnavailable = false;
+    bool temperatureLeftFails = false;   // location ONBOARD_LEFT read fails
+    bool temperatureRightFails = false;  // location ONBOARD_RIGHT read fails
+    bool openFails = false;              // Camera::open answers FAILURE
+    bool gpuMemoryFails = false;         // GPU preparation after opening fails
+    bool mcuOpenFails = false;           // ORYXmcu::open fails
+    bool mcuReadFails = false;           // IMU reader records come back invalid
+    bool eepromWriteFails = false;       // writeMagCalibInEEprom answers an error
+    int eepromBadReads =
+        0;  // the next N EEPROM reads return values that differ from what is stored
+};
+
+struct DeviceConfig {
+    MODEL model = MODEL::ORYX_D;
+    unsigned int serial = 0;  // 0: derived from the model and the camera's index
+    int cameraId = 0;
+    unsigned int cameraFirmware = 1523;
+    unsigned int sensorFirmware = 777;
+    unsigned short mcuRelease = 0x0109;  // HID release number, shown as "v1.9"
+    Resolution resolution{1920, 1200};
+    MotionProfile motion = MotionProfile::Gentle;
+    std::uint64_t seed = 1;
+
+    // IMU output rate in Hz. Benchmarks raise it to see how fast a reader can keep up; the
+    // timeline clamps it to [kMinImuRateHz, kMaxImuRateHz] so that its one-second history stays
+    // a bounded number of samples.
+    static constexpr double kMinImuRateHz = 1.0;
+    static constexpr double kMaxImuRateHz = 100'000.0;
+    double imuRateHz = 400.0;
+
+    // Magnetic distortion, in the micro-controller's magnetometer axes d0, d1, d2:
+    // measured = softIronScale * trueField + hardIronOffset (µT).
+    Vector3<float> hardIronOffset{18.f, -11.f, 7.f};
+    Vector3<float> softIronScale{1.06f, 0.95f, 1.01f};
+
+    // Seconds after the simulation starts; unplugAt absent: stays plugged.
+    double plugAt = 0.0;
+    std::optional<double> unplugAt;
+
+    Faults faults;
+
+    // Serial number as the scenario parser completes it: models 1..3 carry their model digit as
+    // the leading digit of an 8-digit serial (serial / 10,000,000 == model code).
+    static unsigned int defaultSerial(MODEL model, int index);
+};
+
+// What the model code says the camera carries.
+struct SensorSet {
+    bool magnetometer = false;
+    bool barometer = false;
+    bool onboardTemperatures = false;  // ONBOARD_LEFT/RIGHT and BAROMETER locations
+};
+SensorSet sensorsOf(MODEL model);
+
+}  // namespace bw::sim

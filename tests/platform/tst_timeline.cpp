@@ -1,0 +1,454 @@
+// The simulated sensor streams of one camera: physics, rates, history and determinism.
+#include <Eigen/Core>
+#include <Eigen/Geometry>
+#include <QtTest>
+#include <algorithm>
+#include <bw/sim/Clock.hpp>
+#include <cstdint>
+#include <cstring>
+#include <numeric>
+#include <set>
+#include <vector>
+
+#include "MotionModel.hpp"
+#include "SensorTimeline.hpp"
+#include "TestTolerance.hpp"
+
+using namespace bw::sim;
+
+namespace {
+
+constexpr std::uint64_t kStart = Clock::kVirtualEpochNs;
+constexpr std::uint64_t kMs = 1'000'000ull;
+constexpr std::uint64_t kSecond = 1'000'000'000ull;
+constexpr double kGravity = 9.80665;
+constexpr double kPi = 3.14159265358979323846;
+const Eigen::Vector3d kEarthField(22.0, 0.0, -42.0);  // µT, world: x north, z up
+
+DeviceConfig cameraWith(MotionProfile motion, std::uint64_t seed = 11,
+                        bw::MODEL model = bw::MODEL::ORYX_D) {
+    DeviceConfig config;
+    config.model = model;
+    config.motion = motion;
+    config.seed = seed;
+    return config;
+}
+
+Eigen::Vector3d toEigen(const bw::Vector3<float>& v) { return {v.x, v.y, v.z}; }
+Eigen::Quaterniond toEigen(const bw::Orientation& q) { return {q.w, q.x, q.y, q.z}; }
+
+double degreesBetween(const Eigen::Vector3d& a, const Eigen::Vector3d& b) {
+    return std::atan2(a.cross(b).norm(), a.dot(b)) * 180.0 / kPi;
+}
+
+double seconds(std::uint64_t ns) { return static_cast<double>(ns - kStart) * 1e-9; }
+
+// Everything a reader sees of the three streams, read as a device would: advancing in steps
+// and taking each new sample once.
+struct Streams {
+    std::vector<ImuSample> imu;
+    std::vector<MagSample> mag;
+    std::vector<BaroSample> baro;
+};
+
+Streams collect(SensorTimeline& timeline, std::uint64_t fromNs, std::uint64_t toNs,
+                std::uint64_t stepNs = 10 * kMs) {
+    Streams out;
+    std::uint64_t imuSeen = fromNs, magSeen = fromNs, baroSeen = fromNs;
+    for (std::uint64_t now = fromNs + stepNs; now <= toNs; now += stepNs) {
+        timeline.advanceTo(now);
+        while (const ImuSample* s = timeline.firstImuAfter(imuSeen)) {
+            out.imu.push_back(*s);
+            imuSeen = s->timestampNs;
+        }
+        while (const MagSample* s = timeline.firstMagAfter(magSeen)) {
+            out.mag.push_back(*s);
+            magSeen = s->timestampNs;
+        }
+        // Barometer samples are 40 ms apart, so a 10 ms step sees each as the newest once.
+        const BaroSample* b = timeline.baroAt(now);
+        if (b != nullptr && b->timestampNs > baroSeen) {
+            out.baro.push_back(*b);
+            baroSeen = b->timestampNs;
+        }
+    }
+    return out;
+}
+
+template <class Sample>
+bool strictlyIncreasing(const std::vector<Sample>& samples) {
+    return std::adjacent_find(samples.begin(), samples.end(), [](const Sample& a, const Sample& b) {
+               return b.timestampNs <= a.timestampNs;
+           }) == samples.end();
+}
+
+bool sameImu(const ImuSample& a, const ImuSample& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
+}  // namespace
+
+Q_DECLARE_METATYPE(Eigen::Vector3d)
+
+class TimelineTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void stillCameraFeelsGravityOnly() {
+        SensorTimeline timeline(cameraWith(MotionProfile::Still), kStart);
+        const Streams s = collect(timeline, kStart, kStart + kSecond);
+        QVERIFY(s.imu.size() > 300);
+        Eigen::Vector3d acc = Eigen::Vector3d::Zero(), gyro = Eigen::Vector3d::Zero();
+        for (const ImuSample& sample : s.imu) {
+            acc += toEigen(sample.acceleration);
+            gyro += toEigen(sample.angularVelocity);
+        }
+        acc /= s.imu.size();
+        gyro /= s.imu.size();
+        // Level camera, z up: the whole specific force on z.
+        VERIFY_NEAR(acc.norm(), kGravity, 0.1);
+        VERIFY_NEAR(acc.z(), kGravity, 0.1);
+        VERIFY_BELOW(gyro.norm(), 0.05);
+        QCOMPARE(s.imu.back().movingState, 0);
+    }
+
+    void magnetometerShowsConfiguredDistortion_data() {
+        QTest::addColumn<Eigen::Vector3d>("hardIron");
+        QTest::addColumn<Eigen::Vector3d>("softIron");
+        QTest::newRow("undistorted") << Eigen::Vector3d(0, 0, 0) << Eigen::Vector3d(1, 1, 1);
+        QTest::newRow("scenario example")
+            << Eigen::Vector3d(20, -12, 5) << Eigen::Vector3d(1.1, 0.9, 1.0);
+        QTest::newRow("strong") << Eigen::Vector3d(-150, 80, 300) << Eigen::Vector3d(0.7, 1.4, 1.2);
+    }
+
+    void magnetometerShowsConfiguredDistortion() {
+        QFETCH(Eigen::Vector3d, hardIron);
+        QFETCH(Eigen::Vector3d, softIron);
+        DeviceConfig config = cameraWith(MotionProfile::Still);
+        for (int i = 0; i < 3; ++i) {
+            config.hardIronOffset[i] = static_cast<float>(hardIron[i]);
+            config.softIronScale[i] = static_cast<float>(softIron[i]);
+        }
+        SensorTimeline timeline(config, kStart);
+        const Streams s = collect(timeline, kStart, kStart + kSecond);
+        QVERIFY(s.mag.size() > 40);
+        const Eigen::Quaterniond pose = toEigen(s.imu.back().pose);
+        Eigen::Vector3d meanScale = Eigen::Vector3d::Zero();
+        for (const MagSample& m : s.mag) {
+            const Eigen::Vector3d trueField = toEigen(m.trueField);
+            const Eigen::Vector3d raw = toEigen(m.rawField);
+            VERIFY_NEAR(trueField.norm(), kEarthField.norm(), 0.01);
+            // The true field is the earth's, seen through the pose and the device axes.
+            const Eigen::Vector3d inCamera = toEigen(cameraFromDeviceAxes(m.trueField));
+            VERIFY_BELOW((inCamera - pose.conjugate() * kEarthField).norm(), 0.01);
+            for (int i = 0; i < 3; ++i) {
+                VERIFY_NEAR(raw[i], softIron[i] * trueField[i] + hardIron[i], 1.5);
+                meanScale[i] += (raw[i] - hardIron[i]) / trueField[i] / s.mag.size();
+            }
+        }
+        // The scale shows through the noise on every axis that carries a useful field.
+        for (int i = 0; i < 3; ++i) {
+            if (std::abs(toEigen(s.mag.front().trueField)[i]) > 10.0) {
+                VERIFY_NEAR(meanScale[i], softIron[i], 0.02);
+            }
+        }
+    }
+
+    void gyroscopeIntegratesToThePose_data() {
+        QTest::addColumn<int>("motion");
+        QTest::addColumn<quint64>("seed");
+        QTest::newRow("gentle 1") << int(MotionProfile::Gentle) << quint64{1};
+        QTest::newRow("gentle 2") << int(MotionProfile::Gentle) << quint64{2};
+        QTest::newRow("tumbling") << int(MotionProfile::Tumbling) << quint64{3};
+    }
+
+    void gyroscopeIntegratesToThePose() {
+        QFETCH(int, motion);
+        QFETCH(quint64, seed);
+        SensorTimeline timeline(cameraWith(MotionProfile(motion), seed), kStart);
+        const Streams s = collect(timeline, kStart, kStart + 10 * kSecond);
+        Eigen::Quaterniond integrated = toEigen(s.imu.front().pose);
+        double worstDeg = 0.0, turnedDeg = 0.0;
+        for (std::size_t k = 1; k < s.imu.size(); ++k) {
+            const double dt =
+                static_cast<double>(s.imu[k].timestampNs - s.imu[k - 1].timestampNs) * 1e-9;
+            const Eigen::Vector3d meanRate =
+                0.5 * (toEigen(s.imu[k].angularVelocity) + toEigen(s.imu[k - 1].angularVelocity));
+            const Eigen::Vector3d turn = meanRate * kPi / 180.0 * dt;
+            integrated =
+                (integrated * Eigen::Quaterniond(Eigen::AngleAxisd(turn.norm(), turn.normalized())))
+                    .normalized();
+            const Eigen::Quaterniond pose = toEigen(s.imu[k].pose);
+            worstDeg = std::max(worstDeg, integrated.angularDistance(pose) * 180.0 / kPi);
+            turnedDeg =
+                std::max(turnedDeg, toEigen(s.imu[0].pose).angularDistance(pose) * 180 / kPi);
+        }
+        VERIFY_BELOW(worstDeg, 0.5);
+        QVERIFY2(turnedDeg > 3.0, "the camera must actually turn for this to mean anything");
+    }
+
+    void accelerometerPointsAlongTheUpAxisOfThePose() {
+        SensorTimeline timeline(cameraWith(MotionProfile::Gentle), kStart);
+        const Streams s = collect(timeline, kStart, kStart + 10 * kSecond);
+        double sum = 0.0, worst = 0.0;
+        for (const ImuSample& sample : s.imu) {
+            const Eigen::Vector3d up = toEigen(sample.pose).conjugate() * Eigen::Vector3d::UnitZ();
+            const double angle = degreesBetween(toEigen(sample.acceleration), up);
+            sum += angle;
+            worst = std::max(worst, angle);
+        }
+        // Hand accelerations of a few tenths of m/s² tilt it by a degree or two at most.
+        VERIFY_BELOW(sum / s.imu.size(), 1.0);
+        VERIFY_BELOW(worst, 3.0);
+    }
+
+    void gentleMotionIsHandHeldAndSometimesPutDown() {
+        SensorTimeline timeline(cameraWith(MotionProfile::Gentle), kStart);
+        const Streams s = collect(timeline, kStart, kStart + 60 * kSecond);
+        std::set<int> states;
+        double maxTilt = 0.0, maxRate = 0.0;
+        for (const ImuSample& sample : s.imu) {
+            states.insert(sample.movingState);
+            const double rate = toEigen(sample.angularVelocity).norm();
+            maxRate = std::max(maxRate, rate);
+            if (sample.movingState == 0) VERIFY_BELOW(rate, 1.0);
+            const Eigen::Vector3d up = toEigen(sample.pose) * Eigen::Vector3d::UnitZ();
+            maxTilt = std::max(maxTilt, degreesBetween(up, Eigen::Vector3d::UnitZ()));
+        }
+        QVERIFY(states.count(0) == 1 && states.count(1) == 1);
+        QVERIFY(maxTilt > 1.0 && maxTilt < 15.0);
+        QVERIFY(maxRate > 3.0 && maxRate < 30.0);
+    }
+
+    void tumblingShowsTheMagnetometerEveryDirection() {
+        SensorTimeline timeline(cameraWith(MotionProfile::Tumbling), kStart);
+        const Streams s = collect(timeline, kStart, kStart + 60 * kSecond);
+        std::set<int> octants;
+        Eigen::Vector3d most = Eigen::Vector3d::Constant(-1), least = Eigen::Vector3d::Constant(1);
+        for (const MagSample& m : s.mag) {
+            const Eigen::Vector3d direction = toEigen(m.trueField).normalized();
+            octants.insert((direction.x() > 0) + 2 * (direction.y() > 0) + 4 * (direction.z() > 0));
+            most = most.cwiseMax(direction);
+            least = least.cwiseMin(direction);
+        }
+        QCOMPARE(octants.size(), std::size_t{8});
+        for (int i = 0; i < 3; ++i) {
+            QVERIFY2(most[i] > 0.9 && least[i] < -0.9, qPrintable(QString("axis %1").arg(i)));
+        }
+    }
+
+    void barometerFollowsTheHeight() {
+        const DeviceConfig config = cameraWith(MotionProfile::Gentle, 4);
+        SensorTimeline timeline(config, kStart);
+        const Streams s = collect(timeline, kStart, kStart + 60 * kSecond);
+        const MotionModel motion(config.motion, config.seed);
+        const double firstHeight = motion.height(seconds(s.baro.front().timestampNs));
+        QVERIFY(s.baro.size() > 1000);
+        QCOMPARE(s.baro.front().relativeAltitudeM == 0.f, true);
+        // Averaged over a second the noise (~5 cm per sample) drops below a centimetre. What
+        // remains is a fixed offset, from the noise of the first reading that sets the zero, and
+        // the slow drift of the weather.
+        std::vector<double> errors;
+        double minHeight = 0.0, maxHeight = 0.0;
+        for (std::size_t begin = 0; begin + 25 <= s.baro.size(); begin += 25) {
+            double measured = 0.0, modelled = 0.0;
+            for (std::size_t k = begin; k < begin + 25; ++k) {
+                measured += s.baro[k].relativeAltitudeM / 25.0;
+                modelled += (motion.height(seconds(s.baro[k].timestampNs)) - firstHeight) / 25.0;
+                VERIFY_NEAR(s.baro[k].pressurePa, 99'900.0, 400.0);  // ~120 m above sea level
+            }
+            errors.push_back(measured - modelled);
+            minHeight = std::min(minHeight, modelled);
+            maxHeight = std::max(maxHeight, modelled);
+        }
+        const double offset = std::accumulate(errors.begin(), errors.end(), 0.0) / errors.size();
+        VERIFY_BELOW(std::abs(offset), 0.2);
+        for (double error : errors) VERIFY_NEAR(error, offset, 0.05);
+        QVERIFY2(maxHeight - minHeight > 0.1, "the height must change for this to mean anything");
+    }
+
+    void ratesMatchTheNominalRates() {
+        SensorTimeline timeline(cameraWith(MotionProfile::Gentle), kStart);
+        const Streams s = collect(timeline, kStart, kStart + 10 * kSecond);
+        QVERIFY(strictlyIncreasing(s.imu));
+        QVERIFY(strictlyIncreasing(s.mag));
+        QVERIFY(strictlyIncreasing(s.baro));
+        VERIFY_NEAR(s.imu.size() / 10.0, 400.0, 8.0);
+        VERIFY_NEAR(s.mag.size() / 10.0, 50.0, 1.0);
+        VERIFY_NEAR(s.baro.size() / 10.0, 25.0, 0.5);
+        VERIFY_NEAR(s.imu.back().effectiveRate, 400.0, 8.0);
+        VERIFY_NEAR(s.mag.back().effectiveRate, 50.0, 1.0);
+        VERIFY_NEAR(s.baro.back().effectiveRate, 25.0, 0.5);
+        // IMU timestamps are 2.5 ms apart give or take the jitter.
+        for (std::size_t k = 1; k < s.imu.size(); ++k) {
+            VERIFY_NEAR(s.imu[k].timestampNs - s.imu[k - 1].timestampNs, 2.5e6, 50e3);
+        }
+    }
+
+    void modelsWithoutSensorsHaveNoStreams() {
+        SensorTimeline timeline(cameraWith(MotionProfile::Gentle, 1, bw::MODEL::ORYX_B), kStart);
+        timeline.advanceTo(kStart + kSecond);
+        QVERIFY(timeline.newestImu() != nullptr);
+        QVERIFY(timeline.magAt(kStart + kSecond) == nullptr);
+        QVERIFY(timeline.firstMagAfter(kStart) == nullptr);
+        QVERIFY(timeline.baroAt(kStart + kSecond) == nullptr);
+    }
+
+    void historyIsKeptForASecondAndBounded() {
+        SensorTimeline timeline(cameraWith(MotionProfile::Gentle), kStart);
+        QVERIFY(timeline.newestImu() == nullptr);
+        // First a reader that keeps up, then one that comes back after half an hour.
+        for (std::uint64_t now = kStart; now < kStart + 5 * kSecond; now += 100 * kMs) {
+            timeline.advanceTo(now);
+        }
+        for (std::uint64_t now : {kStart + 5 * kSecond, kStart + 5 * kSecond + 1800 * kSecond}) {
+            timeline.advanceTo(now);
+            const ImuSample* newest = timeline.newestImu();
+            QVERIFY(newest != nullptr);
+            QVERIFY(newest->timestampNs <= now && timeline.nextImuDueNs() > now);
+            const ImuSample* oldest = timeline.firstImuAfter(0);
+            QVERIFY(oldest->timestampNs <= newest->timestampNs - SensorTimeline::kHistoryNs);
+            QVERIFY(oldest->timestampNs >= newest->timestampNs - 3 * SensorTimeline::kHistoryNs);
+            QVERIFY(timeline.magAt(now - SensorTimeline::kHistoryNs) != nullptr);
+            QVERIFY(timeline.baroAt(now - SensorTimeline::kHistoryNs) != nullptr);
+            QVERIFY(timeline.firstImuAfter(newest->timestampNs) == nullptr);
+            // The next sample after any kept one is its successor, 2.5 ms on.
+            const ImuSample* next = timeline.firstImuAfter(oldest->timestampNs);
+            VERIFY_NEAR(next->timestampNs - oldest->timestampNs, 2.5e6, 50e3);
+        }
+    }
+
+    void imuRateFollowsTheConfiguration_data() {
+        QTest::addColumn<double>("rate");
+        QTest::newRow("100 Hz") << 100.0;
+        QTest::newRow("20 kHz") << 20'000.0;
+        QTest::newRow("40 kHz") << 40'000.0;
+    }
+
+    // Every sample arrives, one period after the one before it, however fast the IMU runs.
+    void imuRateFollowsTheConfiguration() {
+        QFETCH(double, rate);
+        DeviceConfig config = cameraWith(MotionProfile::Gentle);
+        config.imuRateHz = rate;
+        SensorTimeline timeline(config, kStart);
+        const Streams s = collect(timeline, kStart, kStart + 3 * kSecond);
+        QVERIFY(strictlyIncreasing(s.imu));
+        VERIFY_NEAR(s.imu.size() / 3.0, rate, rate * 0.01 + 1.0);
+        VERIFY_NEAR(s.imu.back().effectiveRate, rate, rate * 0.01);
+        const double period = 1e9 / rate;
+        for (std::size_t k = 1; k < s.imu.size(); ++k) {
+            VERIFY_NEAR(s.imu[k].timestampNs - s.imu[k - 1].timestampNs, period, 0.02 * period);
+        }
+        // The other streams keep their own rates.
+        VERIFY_NEAR(s.mag.size() / 3.0, 50.0, 1.0);
+    }
+
+    void theRateIsClampedToItsBounds() {
+        DeviceConfig config = cameraWith(MotionProfile::Gentle);
+        config.imuRateHz = 1e9;
+        SensorTimeline fast(config, kStart);
+        const Streams s = collect(fast, kStart, kStart + kSecond);
+        VERIFY_NEAR(s.imu.size(), DeviceConfig::kMaxImuRateHz, 0.01 * DeviceConfig::kMaxImuRateHz);
+        config.imuRateHz = 0.0;
+        SensorTimeline slow(config, kStart);
+        const Streams t = collect(slow, kStart, kStart + 5 * kSecond);
+        QCOMPARE(t.imu.size(), std::size_t{5});
+    }
+
+    // At 20 kHz the history is 20,000 samples a second: still at least a second of it, without
+    // holes, and still bounded, after small steps and after a long jump.
+    void historyHoldsASecondAtTwentyKilohertz() {
+        DeviceConfig config = cameraWith(MotionProfile::Gentle);
+        config.imuRateHz = 20'000.0;
+        SensorTimeline timeline(config, kStart);
+        for (std::uint64_t now = kStart; now < kStart + 3 * kSecond; now += 10 * kMs) {
+            timeline.advanceTo(now);
+        }
+        for (std::uint64_t now : {kStart + 3 * kSecond, kStart + 13 * kSecond}) {
+            timeline.advanceTo(now);
+            const ImuSample* newest = timeline.newestImu();
+            QVERIFY(newest != nullptr);
+            const ImuSample* oldest = timeline.firstImuAfter(0);
+            QVERIFY(oldest->timestampNs <= newest->timestampNs - SensorTimeline::kHistoryNs);
+            QVERIFY(oldest->timestampNs >= newest->timestampNs - 3 * SensorTimeline::kHistoryNs);
+            std::uint64_t count = 1, widest = 0;
+            for (const ImuSample* s = oldest; s != newest; ++count) {
+                const ImuSample* next = timeline.firstImuAfter(s->timestampNs);
+                widest = std::max(widest, next->timestampNs - s->timestampNs);
+                s = next;
+            }
+            VERIFY_BELOW(widest, 1.5 * 50e3);
+            const double keptSeconds = (newest->timestampNs - oldest->timestampNs) * 1e-9;
+            VERIFY_NEAR(count, keptSeconds * 20'000.0, 200.0);
+        }
+    }
+
+    void sameSeedGivesSameSamplesHoweverTimeIsSliced() {
+        const DeviceConfig config = cameraWith(MotionProfile::Tumbling, 5);
+        SensorTimeline inSteps(config, kStart), inOneJump(config, kStart);
+        const std::uint64_t end = kStart + 100 * kSecond;
+        for (std::uint64_t now = kStart; now <= end; now += 7 * kMs) inSteps.advanceTo(now);
+        inOneJump.advanceTo(end);
+
+        std::uint64_t after = end - SensorTimeline::kHistoryNs;
+        int compared = 0;
+        while (const ImuSample* a = inSteps.firstImuAfter(after)) {
+            const ImuSample* b = inOneJump.firstImuAfter(after);
+            QVERIFY(b != nullptr);
+            QVERIFY2(sameImu(*a, *b), qPrintable(QString("sample %1").arg(compared)));
+            after = a->timestampNs;
+            ++compared;
+        }
+        QVERIFY(compared >= 390);
+        const std::uint64_t t = end - 500 * kMs;
+        QCOMPARE(inSteps.magAt(t)->rawField, inOneJump.magAt(t)->rawField);
+        QCOMPARE(inSteps.magAt(t)->effectiveRate, inOneJump.magAt(t)->effectiveRate);
+        QCOMPARE(inSteps.baroAt(t)->pressurePa, inOneJump.baroAt(t)->pressurePa);
+        QCOMPARE(inSteps.baroAt(t)->relativeAltitudeM, inOneJump.baroAt(t)->relativeAltitudeM);
+    }
+
+    void differentSeedsGiveDifferentSamples() {
+        SensorTimeline a(cameraWith(MotionProfile::Gentle, 1), kStart);
+        SensorTimeline b(cameraWith(MotionProfile::Gentle, 2), kStart);
+        a.advanceTo(kStart + kSecond);
+        b.advanceTo(kStart + kSecond);
+        QVERIFY(a.newestImu()->timestampNs != b.newestImu()->timestampNs);
+        QVERIFY(a.newestImu()->acceleration != b.newestImu()->acceleration);
+        QVERIFY(!(a.newestImu()->pose == b.newestImu()->pose));
+    }
+
+    void temperaturesDriftSlowlyAroundTheirLevels() {
+        SensorTimeline timeline(cameraWith(MotionProfile::Still), kStart);
+        const std::uint64_t warm = kStart + 1200 * kSecond;
+        const Temperatures t = timeline.temperaturesAt(warm);
+        VERIFY_NEAR(t.imu, 38.0, 1.0);
+        VERIFY_NEAR(t.barometer, 34.0, 1.0);
+        VERIFY_NEAR(t.onboardLeft, 41.0, 1.0);
+        VERIFY_NEAR(t.onboardRight, 42.0, 1.0);
+        VERIFY_BELOW(std::abs(timeline.temperaturesAt(warm + kSecond).imu - t.imu), 0.2);
+        QCOMPARE(timeline.temperaturesAt(warm).onboardLeft, t.onboardLeft);
+        timeline.advanceTo(kStart + kSecond);
+        const ImuSample* sample = timeline.newestImu();
+        QCOMPARE(sample->imuTemperature, timeline.temperaturesAt(sample->timestampNs).imu);
+    }
+
+    void magnetometerAxesMapToCameraAxes_data() {
+        QTest::addColumn<Eigen::Vector3d>("device");
+        QTest::addColumn<Eigen::Vector3d>("camera");
+        QTest::newRow("d0 is camera y") << Eigen::Vector3d(1, 0, 0) << Eigen::Vector3d(0, 1, 0);
+        QTest::newRow("d1 is camera -x") << Eigen::Vector3d(0, 1, 0) << Eigen::Vector3d(-1, 0, 0);
+        QTest::newRow("d2 is camera z") << Eigen::Vector3d(0, 0, 1) << Eigen::Vector3d(0, 0, 1);
+        QTest::newRow("mixed") << Eigen::Vector3d(3, -5, 7) << Eigen::Vector3d(5, 3, 7);
+    }
+
+    void magnetometerAxesMapToCameraAxes() {
+        QFETCH(Eigen::Vector3d, device);
+        QFETCH(Eigen::Vector3d, camera);
+        const bw::Vector3<float> d(device.x(), device.y(), device.z());
+        const bw::Vector3<float> c(camera.x(), camera.y(), camera.z());
+        QCOMPARE(cameraFromDeviceAxes(d), c);
+        QCOMPARE(deviceFromCameraAxes(c), d);
+        QCOMPARE(deviceFromCameraAxes(cameraFromDeviceAxes(d)), d);
+    }
+};
+
+QTEST_APPLESS_MAIN(TimelineTest)
+#include "tst_timeline.moc"
