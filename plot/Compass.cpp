@@ -1,0 +1,63 @@
+#include "Compass.h"
+
+#include <qwt_compass.h>
+#include <qwt_dial_needle.h>
+
+#include <QPalette>
+
+namespace {
+
+// The dial disc in the base colour on a slightly darker background, its frame shaded with the
+// lighter and darker tones, ticks and direction labels in white. Every colour group alike: the
+// dial looks the same whether or not its window is active.
+QPalette dialPalette(const QColor& base) {
+    QPalette palette;
+    for (int i = 0; i < QPalette::NColorGroups; ++i) {
+        const auto group = static_cast<QPalette::ColorGroup>(i);
+        palette.setColor(group, QPalette::Base, base);
+        palette.setColor(group, QPalette::Mid, base);
+        palette.setColor(group, QPalette::Window, base.darker(120));
+        // The face inside the scale.
+        palette.setColor(group, QPalette::WindowText, base);
+        palette.setColor(group, QPalette::Light, base.lighter(120));
+        palette.setColor(group, QPalette::Dark, base.darker(120));
+        palette.setColor(group, QPalette::Text, Qt::white);
+    }
+    return palette;
+}
+
+}  // namespace
+
+Compass::Compass(QWidget* parent) : QwtCompass(parent) { setRaw(false); }
+
+Compass::~Compass() = default;
+
+void Compass::setRaw(bool raw) {
+    const QColor base = raw ? QColor(Qt::darkRed) : QColor(Qt::darkBlue);
+    setPalette(dialPalette(base));
+    setLineWidth(4);
+    setFrameShadow(QwtDial::Sunken);
+    setupScale();
+    setupNeedle();
+    setValue(0.0);
+}
+
+void Compass::setupScale() {
+    auto* scaleDraw = new QwtCompassScaleDraw();
+    scaleDraw->enableComponent(QwtAbstractScaleDraw::Ticks, true);
+    scaleDraw->enableComponent(QwtAbstractScaleDraw::Labels, true);
+    scaleDraw->enableComponent(QwtAbstractScaleDraw::Backbone, false);
+    scaleDraw->setTickLength(QwtScaleDiv::MinorTick, 1.0);
+    scaleDraw->setTickLength(QwtScaleDiv::MediumTick, 1.0);
+    scaleDraw->setTickLength(QwtScaleDiv::MajorTick, 3.0);
+    // The dial takes ownership and deletes the previous scale draw.
+    setScaleDraw(scaleDraw);
+    setScaleMaxMajor(36);
+    setScaleMaxMinor(5);
+}
+
+void Compass::setupNeedle() {
+    // Replaces (and deletes) the previous needle.
+    setNeedle(
+        new QwtCompassMagnetNeedle(QwtCompassMagnetNeedle::TriangleStyle, Qt::white, Qt::red));
+}

@@ -1,0 +1,23 @@
+#ifndef ORYX_PLOT_COMPASS_H
+#define ORYX_PLOT_COMPASS_H
+
+#include <qwt_compass.h>
+
+// A compass dial for a heading in degrees (setValue), 0 at the top, clockwise.
+class Compass : public QwtCompass {
+    Q_OBJECT
+
+public:
+    explicit Compass(QWidget* parent = nullptr);
+    ~Compass() override;
+
+    // Restyles the dial: dark red for an uncalibrated (raw) heading, dark blue otherwise. The
+    // needle goes back to 0 until the next setValue.
+    void setRaw(bool raw);
+
+private:
+    void setupScale();
+    void setupNeedle();
+};
+
+#endif  // ORYX_PLOT_COMPASS_H
