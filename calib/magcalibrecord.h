@@ -1,0 +1,50 @@
+#ifndef ORYX_CALIB_MAGCALIBRECORD_H
+#define ORYX_CALIB_MAGCALIBRECORD_H
+
+// Pure pieces of the magnetometer calibration dialog: the mapping between the device's raw
+// magnetometer axes (d0, d1, d2) and the dialog's axes (x, y, z), the EEPROM record built from a
+// calibration and read back from the device image, and the filter that picks the
+// magnetometer-equipped cameras out of the HID listing.
+
+#include <QString>
+#include <QVector>
+#include <bw/ORYXmcu.hpp>
+#include <bw/hid.hpp>
+#include <cstdint>
+#include <vector>
+
+// Field in µT per raw magnetometer count.
+constexpr double kMagFieldPerCount = 0.0625;
+
+struct MagAxes {
+    double x = 0.0;
+    double y = 0.0;
+    double z = 0.0;
+};
+
+// x = -d1, y = d0, z = d2, each count times kMagFieldPerCount. The sign of x is part of the
+// device convention: stored calibrations depend on it.
+MagAxes magAxesFromRaw(std::int16_t d0, std::int16_t d1, std::int16_t d2);
+
+// The record written to the EEPROM for a calibration in the dialog's axes:
+// scale d0 = y, d1 = x, d2 = z; offset d0 = y, d1 = -x, d2 = z (rounded to float).
+bw::_mag_calib_data packMagCalib(const double offset[3], const double scale[3]);
+
+// The reverse of packMagCalib, from the device's EEPROM image.
+void unpackMagCalib(const bw::_eeprom_data& image, double offset[3], double scale[3]);
+
+// True when the six floats of the image equal those of the record exactly.
+bool eepromHoldsRecord(const bw::_eeprom_data& image, const bw::_mag_calib_data& record);
+
+// The cameras the dialog can calibrate, in listing order.
+struct BwDeviceList {
+    QVector<QString> firmware;           // "v<major>.<minor>" from the HID release number
+    QVector<QString> serials;            // decimal text
+    QVector<unsigned short> productIds;  // MCU_PID_ORYX_C or MCU_PID_ORYX_D
+};
+
+// Keeps the ORYX_C / ORYX_D micro-controllers. A product id of 0 is derived from the serial's
+// model digit (serial / 10,000,000: 3 -> D, 2 -> C, 1 -> B).
+BwDeviceList filterMagDevices(const std::vector<bw::HidDeviceRecord>& devices);
+
+#endif  // ORYX_CALIB_MAGCALIBRECORD_H
