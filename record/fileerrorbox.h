@@ -1,0 +1,11 @@
+#ifndef ORYX_RECORD_FILEERRORBOX_H
+#define ORYX_RECORD_FILEERRORBOX_H
+
+class QWidget;
+class Style;
+
+// Tells the user that the recording file could not be opened ("File error" / "Error while
+// opening file for writing", one "Ok" button) and waits until the box is closed.
+void showFileOpenError(QWidget* parent, const Style& style);
+
+#endif  // ORYX_RECORD_FILEERRORBOX_H
