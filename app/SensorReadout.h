@@ -1,0 +1,19 @@
+// The texts of the live readout: the newest value of each axis of the shown sensor, and its rate.
+#pragma once
+
+#include <QString>
+
+#include "SensorSamples.h"
+
+struct SensorReadout {
+    QString fields[3];  // empty where the sensor has no such axis
+    QString rate;       // "400 Hz"
+};
+
+// Rate label: the measured rate rounded up, but never above the nominal rate.
+QString rateText(double nominalRate, double effectiveRate);
+
+// Texts for the sensor named `sensorName` from the last row of the series (the caller holds the
+// data lock and has checked that there is a row). Unknown names read as the accelerometer.
+SensorReadout readoutFor(const QString& sensorName, const SensorSeries& series,
+                         const SensorLevels& levels);

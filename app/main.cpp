@@ -1,0 +1,26 @@
+#include <QApplication>
+#include <QSurfaceFormat>
+
+#include "mainwindow.h"
+#include "resources.h"
+
+int main(int argc, char* argv[]) {
+    // FreeType glyph caching is disabled for the whole process.
+    qputenv("QT_NO_FT_CACHE", "1");
+
+    // Every GL view gets multisampling unless it asks for something else.
+    QSurfaceFormat format;
+    format.setSamples(16);
+    QSurfaceFormat::setDefaultFormat(format);
+
+    // Must be set before the application object exists.
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
+
+    QApplication app(argc, argv);
+    initOryxResources();
+    app.addLibraryPath("platforms/");
+
+    MainWindow w;
+    w.show();
+    return app.exec();
+}

@@ -1,0 +1,123 @@
+// The live readout's texts, byte for byte, and its rate label.
+#include <QtTest>
+
+#include "SensorReadout.h"
+
+namespace {
+
+SensorSeries oneRow() {
+    SensorSeries s;
+    s.accX = {9.81};
+    s.accY = {0.5};
+    s.accZ = {-0.25};
+    s.gyroX = {1.5};
+    s.gyroY = {-12.345};
+    s.gyroZ = {0.0};
+    s.magX = {21.0};
+    s.magY = {-3.0625};
+    s.magZ = {-42.5};
+    s.orientX = {-179.5};
+    s.orientY = {0.001};
+    s.orientZ = {45.0};
+    s.pressure = {1013.25};
+    s.tempLeft = {41.256};
+    s.tempRight = {7.0};
+    return s;
+}
+
+}  // namespace
+
+class TestReadout : public QObject {
+    Q_OBJECT
+
+private slots:
+    void rateNeverExceedsTheNominalRate_data() {
+        QTest::addColumn<double>("nominal");
+        QTest::addColumn<double>("effective");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("just below") << 400.0 << 399.2 << "400 Hz";
+        QTest::newRow("far above") << 400.0 << 612.0 << "400 Hz";
+        QTest::newRow("rounded up") << 50.0 << 48.01 << "49 Hz";
+        QTest::newRow("whole") << 25.0 << 24.0 << "24 Hz";
+        QTest::newRow("nothing yet") << 400.0 << 0.0 << "0 Hz";
+    }
+    void rateNeverExceedsTheNominalRate() {
+        QFETCH(double, nominal);
+        QFETCH(double, effective);
+        QFETCH(QString, text);
+        QCOMPARE(rateText(nominal, effective), text);
+    }
+
+    void fieldTexts_data() {
+        QTest::addColumn<QString>("sensor");
+        QTest::addColumn<QString>("field0");
+        QTest::addColumn<QString>("field1");
+        QTest::addColumn<QString>("field2");
+        QTest::addColumn<QString>("rate");
+        QTest::newRow("accelerometer") << "Accelerometer"
+                                       << "X 9.810 m/s²"
+                                       << "Y 0.500 m/s²"
+                                       << "Z -0.250 m/s²"
+                                       << "400 Hz";
+        QTest::newRow("unknown reads as accelerometer") << "Sonar"
+                                                        << "X 9.810 m/s²"
+                                                        << "Y 0.500 m/s²"
+                                                        << "Z -0.250 m/s²"
+                                                        << "400 Hz";
+        QTest::newRow("gyroscope") << "Gyroscope"
+                                   << "X 1.500 °/s"
+                                   << "Y -12.345 °/s"
+                                   << "Z 0.000 °/s"
+                                   << "400 Hz";
+        QTest::newRow("magnetometer") << "Magnetometer"
+                                      << "X 21.000 µT"
+                                      << "Y -3.063 µT"
+                                      << "Z -42.500 µT"
+                                      << "50 Hz";
+        QTest::newRow("orientation") << "Orientation"
+                                     << "X -179.500°"
+                                     << "Y 0.001°"
+                                     << "Z 45.000°"
+                                     << "400 Hz";
+        QTest::newRow("barometer") << "Barometer"
+                                   << "Atmospheric Pressure 1013.25 hPa"
+                                   << ""
+                                   << ""
+                                   << "25 Hz";
+        // Crossed on purpose: "Right" shows the left sensor.
+        QTest::newRow("temperature") << "Camera Temperature"
+                                     << "Right 41.26°C"
+                                     << "Left 7.00°C"
+                                     << ""
+                                     << "25 Hz";
+    }
+    void fieldTexts() {
+        QFETCH(QString, sensor);
+        QFETCH(QString, field0);
+        QFETCH(QString, field1);
+        QFETCH(QString, field2);
+        QFETCH(QString, rate);
+        SensorLevels levels;
+        levels.imuEffectiveRate = 400.4;
+        levels.magEffectiveRate = 49.7;
+        levels.baroEffectiveRate = 25.2;
+        const SensorReadout r = readoutFor(sensor, oneRow(), levels);
+        QCOMPARE(r.fields[0], field0);
+        QCOMPARE(r.fields[1], field1);
+        QCOMPARE(r.fields[2], field2);
+        QCOMPARE(r.rate, rate);
+    }
+
+    void narrowValuesArePaddedToTheFieldWidth() {
+        SensorSeries s = oneRow();
+        s.accX = {0.5};
+        s.pressure = {5.5};
+        SensorLevels levels;
+        QCOMPARE(readoutFor("Accelerometer", s, levels).fields[0], QString("X 0.500 m/s²"));
+        QCOMPARE(readoutFor("Barometer", s, levels).fields[0],
+                 QString("Atmospheric Pressure    5.50 hPa"));
+    }
+};
+
+QTEST_APPLESS_MAIN(TestReadout)
+#include "tst_readout.moc"

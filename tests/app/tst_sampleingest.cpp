@@ -1,0 +1,244 @@
+// The sampling rules on hand-made sensor records: origins, repeats, rates, ranges, temperature
+// fallback, event series and the spacing of recorded rows.
+#include <QtTest>
+#include <cmath>
+
+#include "SampleIngest.h"
+
+namespace {
+
+using Location = bw::SensorsData::TemperatureData::SENSOR_LOCATION;
+
+constexpr std::uint64_t kStart = 1'700'000'000'000'000'000ull;
+constexpr std::uint64_t kImuPeriod = 2'500'000;  // 400 Hz
+
+bw::SensorsData record(std::uint64_t t) {
+    bw::SensorsData d;
+    d.imu.is_available = true;
+    d.imu.timestamp = t;
+    d.imu.linear_acceleration = {0.f, 0.f, 9.81f};
+    d.imu.effective_rate = 400.f;
+    d.temperature.available[0] = true;
+    d.temperature.value[0] = 38.f;
+    d.temperature.available[2] = d.temperature.available[3] = true;
+    d.temperature.value[2] = 41.f;
+    d.temperature.value[3] = 42.f;
+    return d;
+}
+
+struct CountingRecorder : RowRecorder {
+    double frequency = 400.0;
+    QVector<int> rows;
+    bool isRecording() const override { return true; }
+    double rowsPerSecond() const override { return frequency; }
+    void saveRow(int row) override { rows.append(row); }
+};
+
+}  // namespace
+
+class TestSampleIngest : public QObject {
+    Q_OBJECT
+
+    SensorSeries series;
+    SensorLevels* levels = nullptr;
+    std::mutex mutex;
+
+private slots:
+    void init() {
+        series.clear();
+        delete levels;
+        levels = new SensorLevels;
+    }
+    void cleanupTestCase() { delete levels; }
+
+    void firstSampleOnlySetsTheOrigin() {
+        SampleIngest ingest(series, *levels, mutex);
+        QCOMPARE(ingest.ingest(record(0)), SampleIngest::Outcome::NoSample);
+        QCOMPARE(ingest.ingest(record(kStart)), SampleIngest::Outcome::Origin);
+        QCOMPARE(series.rows(), 0);
+        QCOMPARE(levels->firstImuTime.load(), kStart);
+        QCOMPARE(ingest.ingest(record(kStart + kImuPeriod)), SampleIngest::Outcome::Appended);
+        QCOMPARE(series.rows(), 1);
+        QCOMPARE(series.imuRate.size(), 1);
+        QVERIFY(std::fabs(series.imuRate[0] - 400.0) < 1e-6);
+        QCOMPARE(series.imuTime[0], (kStart + kImuPeriod) / 1e9);
+    }
+
+    void repeatedTimestampAppendsNothing() {
+        SampleIngest ingest(series, *levels, mutex);
+        ingest.ingest(record(kStart));
+        ingest.ingest(record(kStart + kImuPeriod));
+        QCOMPARE(ingest.ingest(record(kStart + kImuPeriod)), SampleIngest::Outcome::Repeated);
+        QCOMPARE(series.rows(), 1);
+        QCOMPARE(series.imuRate.size(), 1);
+    }
+
+    void everyImuRateSeriesGrowsTogether() {
+        SampleIngest ingest(series, *levels, mutex);
+        for (int i = 0; i < 50; ++i) ingest.ingest(record(kStart + i * kImuPeriod));
+        const int rows = series.rows();
+        QCOMPARE(rows, 49);
+        for (const QVector<double>* v :
+             {&series.accX, &series.accY, &series.accZ, &series.gyroX, &series.gyroY, &series.gyroZ,
+              &series.magX, &series.magY, &series.magZ, &series.orientX, &series.orientY,
+              &series.orientZ, &series.pressure, &series.altitude, &series.movingState,
+              &series.tempLeft, &series.tempRight, &series.magTime, &series.baroTime})
+            QCOMPARE(v->size(), rows);
+    }
+
+    void secondarySensorsMeasureTheirRateFromTheSecondSample() {
+        SampleIngest ingest(series, *levels, mutex);
+        ingest.ingest(record(kStart));
+        for (int i = 1; i <= 40; ++i) {
+            bw::SensorsData d = record(kStart + i * kImuPeriod);
+            d.barometer.is_available = true;
+            d.barometer.timestamp = kStart + (i / 16) * 16 * kImuPeriod;  // 25 Hz
+            d.barometer.pressure = 101325.f;
+            d.magnetometer.is_available = true;
+            d.magnetometer.timestamp = kStart + (i / 8) * 8 * kImuPeriod;  // 50 Hz
+            ingest.ingest(d);
+        }
+        // Barometer stamps: i/16 = 0, 1, 2 -> origin at the first, new samples at 16 and 32.
+        QCOMPARE(series.baroRate.size(), 2);
+        QVERIFY(std::fabs(series.baroRate[0] - 25.0) < 1e-6);
+        QCOMPARE(series.baroSamplePressure[0], 1013.25);
+        QCOMPARE(series.tempSampleLeft.size(), 2);
+        QCOMPARE(series.magRate.size(), 5);
+        QVERIFY(std::fabs(series.magRate[0] - 50.0) < 1e-6);
+        QCOMPARE(series.magSampleTime.size(), 5);
+    }
+
+    void saturatedMagnetometerDoesNotWidenTheRange() {
+        SampleIngest ingest(series, *levels, mutex);
+        ingest.ingest(record(kStart));
+        bw::SensorsData d = record(kStart + kImuPeriod);
+        d.magnetometer.magnetic_field_uncalibrated = {10.f, -20.f, 2048.f};
+        ingest.ingest(d);
+        QCOMPARE(levels->magRange.load(), 6.5f);
+        QCOMPARE(series.magZ.last(), 2048.0);
+        d = record(kStart + 2 * kImuPeriod);
+        d.magnetometer.magnetic_field_uncalibrated = {10.f, -20.f, 2047.f};
+        ingest.ingest(d);
+        QCOMPARE(levels->magRange.load(), 2047.f);
+    }
+
+    void calibratedFlagFollowsTheRecord() {
+        SampleIngest ingest(series, *levels, mutex);
+        ingest.ingest(record(kStart));
+        bw::SensorsData d = record(kStart + kImuPeriod);
+        d.magnetometer.magnetic_field_uncalibrated = {1.f, 2.f, 3.f};
+        d.magnetometer.magnetic_field_calibrated = {1.f, 2.f, 3.f};
+        ingest.ingest(d);
+        QVERIFY(!levels->magIsCalibrated);
+        d = record(kStart + 2 * kImuPeriod);
+        d.magnetometer.magnetic_field_uncalibrated = {1.f, 2.f, 3.f};
+        d.magnetometer.magnetic_field_calibrated = {1.f, 2.f, 3.5f};
+        ingest.ingest(d);
+        QVERIFY(levels->magIsCalibrated);
+    }
+
+    void altitudeBoundsFollowTheSignOfTheOldBound_data() {
+        QTest::addColumn<float>("oldMin");
+        QTest::addColumn<float>("oldMax");
+        QTest::addColumn<float>("altitude");
+        QTest::addColumn<float>("newMin");
+        QTest::addColumn<float>("newMax");
+        QTest::newRow("negative below negative min") << -1.f << 5.f << -2.f << -2.2f << 5.f;
+        QTest::newRow("negative below zero min") << 0.f << 5.f << -2.f << -2.2f << 5.f;
+        QTest::newRow("positive below positive min") << 3.f << 5.f << 2.f << 1.8f << 5.f;
+        QTest::newRow("above positive max") << 0.f << 5.f << 10.f << 0.f << 11.f;
+        QTest::newRow("above negative max") << -10.f << -5.f << -4.f << -10.f << -3.6f;
+    }
+    void altitudeBoundsFollowTheSignOfTheOldBound() {
+        QFETCH(float, oldMin);
+        QFETCH(float, oldMax);
+        QFETCH(float, altitude);
+        QFETCH(float, newMin);
+        QFETCH(float, newMax);
+        levels->altitudeMin = oldMin;
+        levels->altitudeMax = oldMax;
+        SampleIngest ingest(series, *levels, mutex);
+        ingest.ingest(record(kStart));
+        bw::SensorsData d = record(kStart + kImuPeriod);
+        d.barometer.relative_altitude = altitude;
+        ingest.ingest(d);
+        QVERIFY(std::fabs(levels->altitudeMin - newMin) < 1e-5f);
+        QVERIFY(std::fabs(levels->altitudeMax - newMax) < 1e-5f);
+    }
+
+    void pressureAndTemperatureBoundsKeepTheirMargins() {
+        SampleIngest ingest(series, *levels, mutex);
+        ingest.ingest(record(kStart));
+        bw::SensorsData d = record(kStart + kImuPeriod);
+        d.barometer.pressure = 110000.f;  // 1100 hPa
+        ingest.ingest(d);
+        QCOMPARE(levels->pressureMax.load(), 1200.f);
+        QCOMPARE(levels->pressureMin.load(), 1000.f);
+        QCOMPARE(levels->temperatureMax.load(), 45.f);
+        QCOMPARE(levels->temperatureMin.load(), 36.f);  // min(41, 42) - 5
+    }
+
+    void missingOnboardTemperaturesFallBackToTheImu() {
+        SampleIngest ingest(series, *levels, mutex);
+        ingest.ingest(record(kStart));
+        bw::SensorsData d = record(kStart + kImuPeriod);
+        d.temperature.available[static_cast<int>(Location::ONBOARD_RIGHT)] = false;
+        ingest.ingest(d);
+        QCOMPARE(series.tempLeft.last(), 38.0);
+        QCOMPARE(series.tempRight.last(), 38.0);
+        QCOMPARE(series.tempFallbackTime.size(), 1);
+        QCOMPARE(series.tempFallbackTime[0], series.imuTime[0]);
+        QCOMPARE(series.tempSampleLeft.last(), 38.0);
+    }
+
+    void orientationIsInDegrees() {
+        SampleIngest ingest(series, *levels, mutex);
+        ingest.ingest(record(kStart));
+        bw::SensorsData d = record(kStart + kImuPeriod);
+        d.imu.pose = bw::Transform(bw::Orientation(bw::Rotation(0.5f, {0.f, 0.f, 1.f})),
+                                   bw::Translation(0.f, 0.f, 0.f));
+        ingest.ingest(d);
+        QVERIFY(std::fabs(series.orientZ.last() - 0.5 * 180.0 / M_PI) < 1e-3);
+        QVERIFY(std::fabs(series.orientX.last()) < 1e-3);
+        QCOMPARE(levels->orientRange.load(), 45.f);
+        QCOMPARE(ingest.pose().gravity[2], 1.f);
+    }
+
+    void rowSpacingForEachRecordingRate_data() {
+        QTest::addColumn<double>("frequency");
+        for (double f : {400.0, 200.0, 100.0, 50.0, 25.0, 10.0, 5.0, 1.0})
+            QTest::newRow(qPrintable(QString::number(f))) << f;
+    }
+    void rowSpacingForEachRecordingRate() {
+        QFETCH(double, frequency);
+        CountingRecorder recorder;
+        recorder.frequency = frequency;
+        SampleIngest ingest(series, *levels, mutex, &recorder);
+        // A minute at 400 Hz with realistic jitter of the timestamps.
+        std::uint64_t t = kStart;
+        for (int i = 0; i <= 400 * 60; ++i) {
+            ingest.ingest(record(t));
+            t += kImuPeriod + ((i * 7919) % 41 - 20) * 1000;
+        }
+        // A row is written at the first sample past the minimum spacing, so the rate is the
+        // IMU rate divided by a whole number of periods. Where the spacing falls exactly on a
+        // period boundary (25 Hz: 15 periods) the timestamp jitter decides between two counts.
+        const double periods = minimumRowSpacing(frequency, 400.0) / 0.0025;
+        const double lowest = 400.0 / (std::floor(periods) + 1.0);
+        const double highest = 400.0 / std::ceil(periods - 1e-9);
+        const double perSecond = recorder.rows.size() / 60.0;
+        QVERIFY2(perSecond >= lowest - 0.05 && perSecond <= highest + 0.05,
+                 qPrintable(QString("%1 rows/s for %2 Hz").arg(perSecond).arg(frequency)));
+        QVERIFY(perSecond >= frequency - 0.05);
+    }
+
+    void minimumSpacing() {
+        QCOMPARE(minimumRowSpacing(400.0, 400.0), 0.9 / 400.0);
+        QCOMPARE(minimumRowSpacing(200.0, 400.0), 0.9 / 200.0);
+        QCOMPARE(minimumRowSpacing(25.0, 400.0), 375.0 / 10000.0);
+        QCOMPARE(minimumRowSpacing(1.0, 400.0), 399.0 / 400.0);
+    }
+};
+
+QTEST_APPLESS_MAIN(TestSampleIngest)
+#include "tst_sampleingest.moc"

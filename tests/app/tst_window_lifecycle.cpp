@@ -1,0 +1,298 @@
+// The main window on simulated cameras: finding and opening cameras, the sensor buttons each
+// model gets, the error paths of opening, and tearing down when a camera goes away.
+#include <QDir>
+#include <QSignalSpy>
+#include <QtTest>
+#include <atomic>
+#include <bw/Camera.hpp>
+#include <mutex>
+
+#include "MessageBoxWatcher.h"
+#include "SimulatedCameras.h"
+#include "mainwindow.h"
+#include "ui_mainwindow.h"
+
+namespace {
+
+using bw::MODEL;
+
+constexpr int kOpenTimeoutMs = 5000;
+
+bool isSamplingCamera(MainWindow& w) { return w.input() != nullptr && w.isSampling(); }
+
+// Counts finished device polls. The detection thread reports from its own thread, so the count is
+// an atomic rather than a QSignalSpy (which is not safe to read while another thread appends).
+class PollCounter {
+public:
+    explicit PollCounter(MainWindow& w) : detector_(w.detector()) {
+        QObject::connect(
+            &detector_, &QThread::finished, &context_,
+            [this] {
+                std::lock_guard<std::mutex> lock(mutex_);
+                ++count_;
+            },
+            Qt::DirectConnection);
+    }
+    ~PollCounter() {
+        // A poll finishing right now may still be inside the counting slot; taking the lock
+        // after the thread has ended orders its last count before this object goes away.
+        QObject::disconnect(&detector_, nullptr, &context_, nullptr);
+        detector_.wait();
+        std::lock_guard<std::mutex> lock(mutex_);
+    }
+    int count() const {
+        std::lock_guard<std::mutex> lock(mutex_);
+        return count_;
+    }
+    bool waitForNext(int timeoutMs = kOpenTimeoutMs) {
+        const int before = count();
+        return QTest::qWaitFor([&] { return count() > before; }, timeoutMs);
+    }
+
+private:
+    DetectionThread& detector_;
+    QObject context_;
+    mutable std::mutex mutex_;
+    int count_ = 0;
+};
+
+int sampledRows(MainWindow& w) {
+    std::lock_guard<std::mutex> lock(w.sampleMutex());
+    return w.sampleSeries().rows();
+}
+
+int threadCount() { return QDir(QStringLiteral("/proc/self/task")).count() - 2; }
+
+unsigned serialOf(MODEL model) { return bw::sim::DeviceConfig::defaultSerial(model, 0); }
+
+}  // namespace
+
+class TestWindowLifecycle : public QObject {
+    Q_OBJECT
+
+private slots:
+    void withoutCamerasTheListSaysSoAndPollingGoesOn() {
+        PacedVirtualTime time({});
+        MainWindow w;
+        w.show();
+        PollCounter polls(w);
+        QTRY_VERIFY_WITH_TIMEOUT(polls.count() >= 3, kOpenTimeoutMs);
+        auto* list = w.form()->comboBox_camera_list;
+        QCOMPARE(list->count(), 1);
+        QCOMPARE(list->itemText(0), QStringLiteral("No cameras"));
+        QVERIFY(!list->isEnabled());
+        QVERIFY(w.isDetecting());
+        QVERIFY(w.input() == nullptr);
+    }
+
+    void aPluggedCameraOpensAtTheSecondPoll() {
+        PacedVirtualTime time({});
+        MainWindow w;
+        w.show();
+        PollCounter polls(w);
+        QVERIFY(polls.waitForNext());
+        const int pollsBeforePlug = polls.count();
+        bw::sim::Bus::instance().plug(simulatedCamera(MODEL::ORYX_D));
+        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        // The list shown is one poll old: a poll must have seen the camera first.
+        QVERIFY(polls.count() - pollsBeforePlug >= 1);
+        QCOMPARE(w.form()->comboBox_camera_list->itemText(0),
+                 QStringLiteral("ORYX_D - %1").arg(serialOf(MODEL::ORYX_D)));
+        QVERIFY(!w.isDetecting());
+        QVERIFY(w.form()->comboBox_camera_list->isEnabled());
+    }
+
+    void aModelZeroCameraIsNeverListedNorOpened() {
+        PacedVirtualTime time({simulatedCamera(MODEL::ORYX)});
+        MainWindow w;
+        w.show();
+        PollCounter polls(w);
+        QTRY_VERIFY_WITH_TIMEOUT(polls.count() >= 4, kOpenTimeoutMs);
+        QCOMPARE(w.form()->comboBox_camera_list->itemText(0), QStringLiteral("No cameras"));
+        QVERIFY(w.input() == nullptr);
+    }
+
+    void theSensorButtonsFollowTheModel_data() {
+        QTest::addColumn<int>("model");
+        QTest::addColumn<bool>("baro");
+        QTest::addColumn<bool>("mag");
+        QTest::addColumn<bool>("temperature");
+        QTest::newRow("ORYX_B") << int(MODEL::ORYX_B) << false << false << false;
+        QTest::newRow("ORYX_C") << int(MODEL::ORYX_C) << true << true << true;
+        QTest::newRow("ORYX_D") << int(MODEL::ORYX_D) << true << true << true;
+        QTest::newRow("ORYX_E") << int(MODEL::ORYX_E) << false << false << true;
+        QTest::newRow("ORYX_F") << int(MODEL::ORYX_F) << false << false << true;
+        QTest::newRow("ORYX_SOLO_A") << int(MODEL::ORYX_SOLO_A) << true << true << true;
+    }
+    void theSensorButtonsFollowTheModel() {
+        QFETCH(int, model);
+        QFETCH(bool, baro);
+        QFETCH(bool, mag);
+        QFETCH(bool, temperature);
+        PacedVirtualTime time({simulatedCamera(static_cast<MODEL>(model))});
+        MainWindow w;
+        w.show();
+        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        QCOMPARE(unsigned(model), w.input()->getModel());
+        QCOMPARE(!w.form()->pushButton_baro->isHidden(), baro);
+        QCOMPARE(!w.form()->pushButton_mag->isHidden(), mag);
+        QCOMPARE(!w.form()->pushButton_temper->isHidden(), temperature);
+        QVERIFY(w.form()->frame_data_options->isEnabled());
+    }
+
+    void oldCameraFirmwareWarnsAndTheCameraIsStillUsed_data() {
+        QTest::addColumn<unsigned>("firmware");
+        QTest::addColumn<bool>("warned");
+        QTest::newRow("1141") << 1141u << true;
+        QTest::newRow("900") << 900u << true;
+        QTest::newRow("1142") << 1142u << false;
+    }
+    void oldCameraFirmwareWarnsAndTheCameraIsStillUsed() {
+        QFETCH(unsigned, firmware);
+        QFETCH(bool, warned);
+        bw::sim::DeviceConfig camera = simulatedCamera(MODEL::ORYX_D);
+        camera.cameraFirmware = firmware;
+        PacedVirtualTime time({camera});
+        MessageBoxWatcher boxes;
+        MainWindow w;
+        w.show();
+        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        QCOMPARE(boxes.shown().size(), warned ? 1 : 0);
+        if (warned) {
+            const ShownMessage& box = boxes.shown().first();
+            QCOMPARE(box.title, QStringLiteral("Warning"));
+            QCOMPARE(box.text, QStringLiteral("Your firmware needs to be updated. Please update "
+                                              "it in ORYX Explorer."));
+            QCOMPARE(box.icon, QMessageBox::Warning);
+            QCOMPARE(box.buttons, QStringList{QStringLiteral("Ok")});
+        }
+    }
+
+    void gpuMemoryFailureShowsTheErrorAndKeepsTheCameraWithoutSampling() {
+        bw::sim::DeviceConfig camera = simulatedCamera(MODEL::ORYX_D);
+        camera.faults.gpuMemoryFails = true;
+        PacedVirtualTime time({camera});
+        MessageBoxWatcher boxes;
+        MainWindow w;
+        w.show();
+        QTRY_VERIFY_WITH_TIMEOUT(!boxes.shown().isEmpty(), kOpenTimeoutMs);
+        const ShownMessage& box = boxes.shown().first();
+        QCOMPARE(box.title, QStringLiteral("Error"));
+        QCOMPARE(box.text, QStringLiteral("Not enough GPU memory. Try a lower video resolution "
+                                          "and/or a lower depth quality settings."));
+        QCOMPARE(box.icon, QMessageBox::Critical);
+        QTest::qWait(500);
+        QVERIFY(w.input() != nullptr);
+        QVERIFY(w.input()->isStereoOpen());
+        QVERIFY(!w.isSampling());
+        QVERIFY(!w.isDetecting());
+        QCOMPARE(boxes.shown().size(), 1);
+    }
+
+    void anOpenFailureIsSilentAndPollingResumes() {
+        bw::sim::DeviceConfig camera = simulatedCamera(MODEL::ORYX_D);
+        camera.faults.openFails = true;
+        PacedVirtualTime time({camera});
+        MessageBoxWatcher boxes;
+        MainWindow w;
+        w.show();
+        PollCounter polls(w);
+        QTRY_VERIFY_WITH_TIMEOUT(polls.count() >= 5, kOpenTimeoutMs);
+        QVERIFY(boxes.shown().isEmpty());
+        QVERIFY(w.input() == nullptr);
+        QVERIFY(w.isDetecting());
+        // Once the camera opens again, the retries succeed.
+        bw::sim::Faults healthy;
+        bw::sim::Bus::instance().setFaults(camera.serial, healthy);
+        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+    }
+
+    void unplugTearsDownOnceAndReplugOpensAgain() {
+        const bw::sim::DeviceConfig camera = simulatedCamera(MODEL::ORYX_D);
+        PacedVirtualTime time({camera});
+        MainWindow w;
+        w.show();
+        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        QTRY_VERIFY_WITH_TIMEOUT(w.form()->lineEdit_value_2->text().startsWith("Z "),
+                                 kOpenTimeoutMs);
+        std::atomic<int> lossReports{0};
+        connect(
+            w.input(), &InputThreadModul::DetectORYXDisconnect, this, [&] { ++lossReports; },
+            Qt::DirectConnection);
+
+        bw::sim::Bus::instance().unplug(camera.serial);
+        QTRY_VERIFY_WITH_TIMEOUT(w.isDetecting(), kOpenTimeoutMs);
+        QVERIFY(w.input() == nullptr);
+        QVERIFY(!w.isSampling());
+        QVERIFY(w.hasNoCamera());
+        for (QLineEdit* field :
+             {w.form()->lineEdit_value_0, w.form()->lineEdit_value_1, w.form()->lineEdit_value_2})
+            QCOMPARE(field->text(), QStringLiteral("---"));
+        QCOMPARE(w.form()->label_sensor_rate->text(), QStringLiteral("---"));
+        QTRY_COMPARE_WITH_TIMEOUT(w.form()->comboBox_camera_list->itemText(0),
+                                  QStringLiteral("No cameras"), kOpenTimeoutMs);
+        QTest::qWait(300);
+        QCOMPARE(lossReports.load(), 1);
+
+        bw::sim::Bus::instance().replug(camera.serial);
+        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+    }
+
+    void aHundredUnplugReplugCycles() {
+        const bw::sim::DeviceConfig camera = simulatedCamera(MODEL::ORYX_D);
+        PacedVirtualTime time({camera});
+        MainWindow w;
+        w.show();
+        int threadsAfterFirstCycle = 0;
+        const int cycles = qEnvironmentVariableIntValue("ORYX_REPLUG_CYCLES") > 0
+                               ? qEnvironmentVariableIntValue("ORYX_REPLUG_CYCLES")
+                               : 100;
+        for (int cycle = 0; cycle < cycles; ++cycle) {
+            QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+            if (cycle == 1) threadsAfterFirstCycle = threadCount();
+            bw::sim::Bus::instance().unplug(camera.serial);
+            QTRY_VERIFY_WITH_TIMEOUT(w.isDetecting() && w.input() == nullptr, kOpenTimeoutMs);
+            QVERIFY(!w.isSampling());
+            bw::sim::Bus::instance().replug(camera.serial);
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        if (cycles > 1)
+            QTRY_VERIFY_WITH_TIMEOUT(threadCount() <= threadsAfterFirstCycle, kOpenTimeoutMs);
+    }
+
+    void closingWhileSamplingReleasesTheCamera() {
+        PacedVirtualTime time({simulatedCamera(MODEL::ORYX_D)});
+        MainWindow w;
+        w.show();
+        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        QTRY_VERIFY_WITH_TIMEOUT(sampledRows(w) > 0, kOpenTimeoutMs);
+        w.close();
+        QVERIFY(!w.isSampling());
+        QVERIFY(w.input() == nullptr);
+        const auto devices = bw::Camera::getDeviceList();
+        QCOMPARE(devices.size(), size_t(1));
+        QVERIFY(devices[0].camera_state == bw::CAMERA_STATE::AVAILABLE);
+    }
+
+    void refreshWithoutACameraSearchesAgain() {
+        PacedVirtualTime time({});
+        MainWindow w;
+        w.show();
+        PollCounter polls(w);
+        QVERIFY(polls.waitForNext());
+        bw::sim::Bus::instance().plug(simulatedCamera(MODEL::ORYX_C));
+        QVERIFY(polls.waitForNext());
+        // The last poll saw the camera: refreshing opens it without waiting for the timer.
+        w.form()->pushButton_refresh_list->click();
+        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        // With a camera open, refreshing lists it again and keeps it.
+        InputThreadModul* open = w.input();
+        w.form()->pushButton_refresh_list->click();
+        QCOMPARE(w.input(), open);
+        QCOMPARE(w.form()->comboBox_camera_list->itemText(0),
+                 QStringLiteral("ORYX_C - %1").arg(serialOf(MODEL::ORYX_C)));
+    }
+};
+
+QTEST_MAIN(TestWindowLifecycle)
+#include "tst_window_lifecycle.moc"

@@ -1,0 +1,153 @@
+// Recording from the main window: the record button, the rows written while the camera runs,
+// a camera pulled out mid-recording, and the free-space label.
+#include <QFile>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "MessageBoxWatcher.h"
+#include "SimulatedCameras.h"
+#include "mainwindow.h"
+#include "ui_mainwindow.h"
+
+namespace {
+
+constexpr int kTimeoutMs = 10000;
+
+// Reads a recording strictly: every line complete, every row with the header's column count
+// and every value a number. Returns the rows' first column (the series index) and imu time.
+struct Recording {
+    QStringList columns;
+    QVector<int> indexes;
+    QVector<double> imuTimes;
+    QString error;
+};
+
+Recording readStrictly(const QString& path) {
+    Recording r;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return {{}, {}, {}, "cannot open " + path};
+    const QByteArray all = file.readAll();
+    if (!all.endsWith('\n')) return {{}, {}, {}, "the file does not end on a line boundary"};
+    const QList<QByteArray> lines = all.left(all.size() - 1).split('\n');
+    r.columns = QString::fromUtf8(lines.first()).split(',');
+    for (int n = 1; n < lines.size(); ++n) {
+        const QList<QByteArray> fields = lines[n].split(',');
+        if (fields.size() != r.columns.size())
+            return {{}, {}, {}, QString("line %1 has %2 fields").arg(n).arg(fields.size())};
+        for (int c = 0; c + 1 < fields.size(); ++c) {
+            bool ok = false;
+            fields[c].toDouble(&ok);
+            if (!ok) return {{}, {}, {}, QString("line %1 field %2 is not a number").arg(n).arg(c)};
+        }
+        r.indexes.append(fields[0].toInt());
+        r.imuTimes.append(fields[1].toDouble());
+    }
+    return r;
+}
+
+}  // namespace
+
+class TestWindowRecording : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir settingsDir;
+    QTemporaryDir recordings;
+
+private slots:
+    void initTestCase() {
+        // Never touch the user's own settings.
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir.path());
+    }
+
+    void withoutACameraTheButtonSpringsBack() {
+        PacedVirtualTime time({});
+        MainWindow w;
+        w.show();
+        w.form()->toolButton_save->click();
+        QVERIFY(!w.form()->toolButton_save->isChecked());
+        QVERIFY(w.recordingPath().isEmpty());
+    }
+
+    void anUnwritableFolderGivesTheFileErrorAndTheButtonSpringsBack() {
+        PacedVirtualTime time({simulatedCamera(bw::MODEL::ORYX_D)});
+        MessageBoxWatcher boxes;
+        MainWindow w;
+        w.show();
+        QTRY_VERIFY_WITH_TIMEOUT(w.isSampling(), kTimeoutMs);
+        w.recordingOptions().saveFolder = recordings.filePath("no/such/folder");
+        w.form()->toolButton_save->click();
+        QTRY_VERIFY_WITH_TIMEOUT(!boxes.shown().isEmpty(), kTimeoutMs);
+        QCOMPARE(boxes.shown().first().title, QString("File error"));
+        QCOMPARE(boxes.shown().first().text, QString("Error while opening file for writing"));
+        QCOMPARE(boxes.shown().first().icon, QMessageBox::Warning);
+        QTRY_VERIFY(!w.form()->toolButton_save->isChecked());
+        QVERIFY(w.form()->pushButton_rec_option->isEnabled());
+    }
+
+    void aRecordingHoldsTheChosenRateAndEndsCleanlyWhenStopped() {
+        PacedVirtualTime time({simulatedCamera(bw::MODEL::ORYX_D)});
+        MainWindow w;
+        w.show();
+        QTRY_VERIFY_WITH_TIMEOUT(w.isSampling(), kTimeoutMs);
+        w.recordingOptions().saveFolder = recordings.path();
+        w.recordingOptions().sampleFreq = 100;
+        w.form()->toolButton_save->click();
+        QVERIFY(w.form()->toolButton_save->isChecked());
+        QCOMPARE(w.form()->toolButton_save->text(), QString("Recording..."));
+        QVERIFY(!w.form()->pushButton_rec_option->isEnabled());
+        const QString path = w.recordingPath();
+        QVERIFY(!QFileInfo(path).fileName().contains(' '));
+        QVERIFY(path.endsWith("-ORYX_D-sn_31000017-ORYXSensorsData.csv"));
+        QTest::qWait(300);  // about thirty seconds of samples on the paced clock
+        w.form()->toolButton_save->click();
+        QCOMPARE(w.form()->toolButton_save->text(), QString("Record"));
+        QVERIFY(w.form()->pushButton_rec_option->isEnabled());
+
+        const Recording r = readStrictly(path);
+        QVERIFY2(r.error.isEmpty(), qPrintable(r.error));
+        QCOMPARE(r.columns.first(), QString("idx"));
+        QVERIFY(r.indexes.size() > 100);
+        const double seconds = r.imuTimes.last() - r.imuTimes.first();
+        const double perSecond = (r.indexes.size() - 1) / seconds;
+        QVERIFY2(qAbs(perSecond - 100.0) <= 1.0, qPrintable(QString::number(perSecond)));
+        for (int n = 1; n < r.indexes.size(); ++n) QVERIFY(r.indexes[n] > r.indexes[n - 1]);
+    }
+
+    void pullingTheCameraOutMidRecordingKeepsEveryWrittenRowWhole() {
+        const bw::sim::DeviceConfig camera = simulatedCamera(bw::MODEL::ORYX_D);
+        PacedVirtualTime time({camera});
+        MainWindow w;
+        w.show();
+        QTRY_VERIFY_WITH_TIMEOUT(w.isSampling(), kTimeoutMs);
+        w.recordingOptions().saveFolder = recordings.path();
+        w.recordingOptions().sampleFreq = 400;
+        w.form()->toolButton_save->click();
+        const QString path = w.recordingPath();
+        QVERIFY(!path.isEmpty());
+        QTest::qWait(150);
+        bw::sim::Bus::instance().unplug(camera.serial);
+        QTRY_VERIFY_WITH_TIMEOUT(w.isDetecting(), kTimeoutMs);
+        QVERIFY(!w.form()->toolButton_save->isChecked());
+        QCOMPARE(w.form()->toolButton_save->text(), QString("Record"));
+
+        const Recording r = readStrictly(path);
+        QVERIFY2(r.error.isEmpty(), qPrintable(r.error));
+        QVERIFY(r.indexes.size() > 50);
+        // At 400 rows per second every sample is written: consecutive indexes.
+        for (int n = 1; n < r.indexes.size(); ++n) QCOMPARE(r.indexes[n], r.indexes[n - 1] + 1);
+    }
+
+    void lowDiskSpaceIsShownInRed() {
+        PacedVirtualTime time({});
+        MainWindow w;
+        w.setFreeSpace(9.99, "/data");
+        QCOMPARE(w.freeSpaceLabel().text(), QString("Disk Free Space: 10.0 Gb  on /data"));
+        QCOMPARE(w.freeSpaceLabel().styleSheet(), QString("color : rgb(250,20,20);"));
+        w.setFreeSpace(10.0, "/data");
+        QCOMPARE(w.freeSpaceLabel().styleSheet(), QString("color : rgb(20,20,20);"));
+    }
+};
+
+QTEST_MAIN(TestWindowRecording)
+#include "tst_window_recording.moc"
