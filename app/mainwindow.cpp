@@ -6,6 +6,7 @@
 
 #include "DataPlot.h"
 #include "InputThreadModul.h"
+#include "OGL3DWidget.h"
 #include "messagebox.h"
 #include "programstates.h"
 #include "style.h"
@@ -84,6 +85,7 @@ void MainWindow::connectSignals() {
     InputThreadModul* module = inputModule.load();
     if (module == nullptr) return;
     connect(module, &InputThreadModul::sendContext, this, &MainWindow::setContext);
+    connect(module, &InputThreadModul::sendInit, ui->widget_3d_view, &OGL3DWidget::InitProcess);
     // The loss is reported from the grab or the sampling thread and handled here. By then the
     // window may already have torn that camera down (the readout notices a loss too), so a
     // report about an earlier camera is dropped.
@@ -97,7 +99,10 @@ void MainWindow::connectSignals() {
 }
 
 void MainWindow::disconnectSignals() {
-    withInput([this](InputThreadModul& module) { disconnect(&module, nullptr, this, nullptr); });
+    withInput([this](InputThreadModul& module) {
+        disconnect(&module, nullptr, this, nullptr);
+        disconnect(&module, nullptr, ui->widget_3d_view, nullptr);
+    });
 }
 
 void MainWindow::setContext() {}

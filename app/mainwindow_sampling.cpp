@@ -1,12 +1,22 @@
 // The sampling thread: reads the camera's sensor record as fast as the camera answers and
 // appends one row per new IMU sample.
 #include "InputThreadModul.h"
+#include "OGL3DWidget.h"
 #include "SampleIngest.h"
 #include "mainwindow.h"
+#include "ui_mainwindow.h"
 
 namespace {
 
 bool isSingleSensorModel(unsigned model) { return model == 30 || model == 31; }
+
+// The view copies what it is given once per frame; these calls only fill its hand-over slot.
+void turnOrientationView(OGL3DWidget& view, const SampleIngest::Pose& pose) {
+    view.setGravity(pose.gravity[0], pose.gravity[1], pose.gravity[2]);
+    view.setCameraModelOr(pose.orientation);
+    view.setCameraModelPos(bw::Translation(0.f, 0.f, 0.f));
+    view.setMovingState(pose.movingState);
+}
 
 }  // namespace
 
@@ -14,6 +24,7 @@ void MainWindow::dataThreadFunc() {
     // stopDataThread and dataThreadRunning were set by the starter, before this thread existed:
     // setting them here again could swallow a stop that came before the first iteration.
     SampleIngest ingest(series, levels, dataMutex, this);
+    OGL3DWidget& orientationView = *ui->widget_3d_view;
     for (;;) {
         InputThreadModul* module = inputModule.load();
         if (module == nullptr) break;
@@ -35,7 +46,8 @@ void MainWindow::dataThreadFunc() {
             delete inputModule.exchange(nullptr);
             break;
         }
-        ingest.ingest(sensorsData);
+        if (ingest.ingest(sensorsData) == SampleIngest::Outcome::Appended)
+            turnOrientationView(orientationView, ingest.pose());
         if (stopDataThread) break;
     }
     dataThreadRunning = false;

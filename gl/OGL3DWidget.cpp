@@ -44,20 +44,39 @@ OGL3DWidget::OGL3DWidget(QWidget* parent) : QOpenGLWidget(parent) {
 }
 
 OGL3DWidget::~OGL3DWidget() {
-    if (initialised || cameraModel || floorGrid || axis || dynAxis) {
+    const bool hadScene = initialised || cameraModel || floorGrid || axis || dynAxis;
+    if (hadScene) {
         makeCurrent();
     }
+    releaseScene();
+    if (hadScene) {
+        doneCurrent();
+    }
+}
+
+void OGL3DWidget::releaseScene() {
+    initialised = false;
     delete camera;
     delete cameraModel;
     delete floorGrid;
     delete axis;
     delete dynAxis;
-    if (initialised) {
-        doneCurrent();
-    }
+    camera = nullptr;
+    cameraModel = nullptr;
+    floorGrid = nullptr;
+    axis = nullptr;
+    dynAxis = nullptr;
+    delete shaderProgram;  // its shaders are its children
+    shaderProgram = nullptr;
 }
 
-void OGL3DWidget::initializeGL() { initializeGLFunctions(); }
+void OGL3DWidget::initializeGL() {
+    initializeGLFunctions();
+    if (initRequested) {
+        initRequested = false;
+        InitProcess();
+    }
+}
 
 bool OGL3DWidget::InitProcess() {
 #ifdef ORYX_ENABLE_CUDA
@@ -66,7 +85,16 @@ bool OGL3DWidget::InitProcess() {
     cuCtxSetCurrent(ctx);
     cudaContext = ctx;
 #endif
+    if (context() == nullptr) {
+        // The camera opened before the view was first shown: there is no GL context yet to
+        // build in. initializeGL finishes the job.
+        initRequested = true;
+        return true;
+    }
     makeCurrent();
+    // Every camera that opens initialises the view again (its model may differ), so the
+    // previous scene goes first.
+    releaseScene();
     createORYXProgram();
     camera = new CameraGL(bw::Translation(0.f, 0.f, 0.f), bw::Translation(0.f, 0.f, -1.f),
                           bw::Translation(0.f, 1.f, 0.f));
@@ -100,11 +128,11 @@ void OGL3DWidget::ResetPosition() {
 }
 
 void OGL3DWidget::createORYXProgram() {
-    auto* vertexShader = new QGLShader(QGLShader::Vertex, this);
-    vertexShader->compileSourceCode(VERTEX_SHADER);
-    auto* fragmentShader = new QGLShader(QGLShader::Fragment, this);
-    fragmentShader->compileSourceCode(FRAGMENT_SHADER);
     shaderProgram = new QGLShaderProgram(this);
+    auto* vertexShader = new QGLShader(QGLShader::Vertex, shaderProgram);
+    vertexShader->compileSourceCode(VERTEX_SHADER);
+    auto* fragmentShader = new QGLShader(QGLShader::Fragment, shaderProgram);
+    fragmentShader->compileSourceCode(FRAGMENT_SHADER);
     shaderProgram->addShader(vertexShader);
     shaderProgram->addShader(fragmentShader);
     shaderProgram->bindAttributeLocation("vertex", 0);
@@ -135,8 +163,8 @@ void OGL3DWidget::CreateFloorGrid() {
     const bw::Vector3<float> colour(0.8509804f, 1.0f, 0.25882354f);
     for (int i = -5; i <= 5; ++i) {
         for (int j = -5; j <= 5; ++j) {
-            addVert(floorGrid, static_cast<float>(i), static_cast<float>(j), -1.0f, 1.f / 3.f,
-                    5.0f, colour);
+            addVert(floorGrid, static_cast<float>(i), static_cast<float>(j), -1.0f, 1.f / 3.f, 5.0f,
+                    colour);
         }
     }
     floorGrid->pushToGPU();
@@ -193,8 +221,8 @@ void OGL3DWidget::resizeGL(int w, int h) {
 
 void OGL3DWidget::reshape() {
     const int side = static_cast<int>(std::max(viewWidth, viewHeight));
-    glViewport(static_cast<GLint>((viewWidth - side) / 2), static_cast<GLint>((viewHeight - side) / 2),
-               side, side);
+    glViewport(static_cast<GLint>((viewWidth - side) / 2),
+               static_cast<GLint>((viewHeight - side) / 2), side, side);
     const float h = camera->getHorizontalFOV();
     camera->setProjection(h, h, camera->getZNear(), camera->getZFar());
 }
@@ -268,8 +296,8 @@ void OGL3DWidget::visualize() {
 
     reshape();
     const int side = static_cast<int>(std::max(viewWidth, viewHeight));
-    glViewport(static_cast<GLint>((viewWidth - side) / 2), static_cast<GLint>((viewHeight - side) / 2),
-               side, side);
+    glViewport(static_cast<GLint>((viewWidth - side) / 2),
+               static_cast<GLint>((viewHeight - side) / 2), side, side);
 
     shaderProgram->bind();
     shaderProgram->setUniformValue("u_mvpMatrix", toQMatrix(vp));
@@ -280,8 +308,7 @@ void OGL3DWidget::visualize() {
 
     const GLint location = shaderProgram->uniformLocation("u_mvpMatrix");
     const bw::Transform model = cameraModel->getModelMatrix();
-    const bw::Matrix4f mvp =
-        bw::Matrix4f::transpose(model) * bw::Matrix4f::transpose(vp);
+    const bw::Matrix4f mvp = bw::Matrix4f::transpose(model) * bw::Matrix4f::transpose(vp);
     glUniformMatrix4fv(location, 1, GL_FALSE, mvp.m);
     dynAxis->draw(dynAxisX, dynAxisY, dynAxisZ);
     cameraModel->draw();

@@ -91,8 +91,10 @@ private:
     };
     void applyPose();
     void setHomeViewpoint();
+    void releaseScene();
 
     bool initialised = false;
+    bool initRequested = false;
     float mouseMotion[2] = {0.f, 0.f};
     bw::Translation spareTranslation;
     bool spareFlag = false;

@@ -1,7 +1,9 @@
-// The chart and the readout of the main window, fed by a simulated camera on a virtual clock.
+// The chart, the readout and the orientation view of the main window, fed by a simulated camera
+// on a virtual clock.
 #include <QtTest>
 
 #include "DataPlot.h"
+#include "OGL3DWidget.h"
 #include "SimulatedCameras.h"
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
@@ -14,6 +16,13 @@ double sampledSeconds(MainWindow& w) {
     std::lock_guard<std::mutex> lock(w.sampleMutex());
     const QVector<double>& t = w.sampleSeries().imuTime;
     return t.size() < 2 ? 0.0 : t.last() - t.first();
+}
+
+// Angle between two orientations, in degrees.
+double degreesBetween(const bw::Orientation& a, const bw::Orientation& b) {
+    const double dot =
+        std::abs(double(a.x) * b.x + double(a.y) * b.y + double(a.z) * b.z + double(a.w) * b.w);
+    return 2.0 * std::acos(std::min(1.0, dot)) * 180.0 / M_PI;
 }
 
 QwtInterval timeAxis(MainWindow& w) {
@@ -41,6 +50,21 @@ private slots:
     void cleanup() {
         window.reset();
         time.reset();
+    }
+
+    void theOrientationViewTurnsWithTheCamera() {
+        OGL3DWidget* view = w().form()->widget_3d_view;
+        QTRY_VERIFY_WITH_TIMEOUT(view->isInitialised(), kTimeoutMs);
+        // ORYX_D is not the model with its own mesh.
+        QCOMPARE(view->model()->getIndices().size(), std::size_t(3 * 108));
+        QTRY_VERIFY_WITH_TIMEOUT(degreesBetween(view->modelOrientation(), bw::Orientation()) > 1e-3,
+                                 kTimeoutMs);
+        const bw::Orientation first = view->modelOrientation();
+        const QImage before = view->grabFramebuffer();
+        // The default hand-held motion turns the camera by several degrees within seconds.
+        QTRY_VERIFY_WITH_TIMEOUT(degreesBetween(view->modelOrientation(), first) > 2.0, kTimeoutMs);
+        QTRY_VERIFY_WITH_TIMEOUT(view->grabFramebuffer() != before, kTimeoutMs);
+        QCOMPARE(view->modelPosition().x, 0.f);
     }
 
     void theReadoutShowsTheNewestValuesAndTheRate() {

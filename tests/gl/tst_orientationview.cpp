@@ -18,8 +18,7 @@ bool sameVec(const bw::Translation& a, const bw::Translation& b, float eps = 1e-
 }
 
 bool sameQuat(const bw::Orientation& a, const bw::Orientation& b, float eps = 1e-5f) {
-    return near(a.x, b.x, eps) && near(a.y, b.y, eps) && near(a.z, b.z, eps) &&
-           near(a.w, b.w, eps);
+    return near(a.x, b.x, eps) && near(a.y, b.y, eps) && near(a.z, b.z, eps) && near(a.w, b.w, eps);
 }
 
 // The scene program writes alpha 0.5; colours are compared on their raw RGB values.
@@ -86,14 +85,14 @@ private slots:
         const QImage img = frame();
         QCOMPARE(img.pixelColor(200, 150), QColor(25, 25, 25));
         // Everything inside the frame is background; the thin grey frame runs along the edges.
-        QCOMPARE(countNear(img.copy(5, 5, img.width() - 10, img.height() - 10), QColor(25, 25, 25), 0),
-                 (img.width() - 10) * (img.height() - 10));
+        QCOMPARE(
+            countNear(img.copy(5, 5, img.width() - 10, img.height() - 10), QColor(25, 25, 25), 0),
+            (img.width() - 10) * (img.height() - 10));
         // The grey frame (RGB 60, 60, 60) lies within the outermost two pixels on the left
         // and at the top.
         auto greyest = [&](QPoint a, QPoint b) {
-            return std::max(img.pixelColor(a), img.pixelColor(b), [](QColor l, QColor r) {
-                return l.red() < r.red();
-            });
+            return std::max(img.pixelColor(a), img.pixelColor(b),
+                            [](QColor l, QColor r) { return l.red() < r.red(); });
         };
         QCOMPARE(greyest({0, 150}, {1, 150}), QColor(60, 60, 60));
         QCOMPARE(greyest({200, 0}, {200, 1}), QColor(60, 60, 60));
@@ -286,6 +285,31 @@ private slots:
         sendMouse(QEvent::MouseButtonPress, {10, 10}, Qt::MiddleButton, Qt::MiddleButton);
         sendMouse(QEvent::MouseMove, {60, 60}, Qt::NoButton, Qt::LeftButton);
         QVERIFY(sameQuat(cam->getOrientation(), ref.getOrientation()));
+    }
+
+    void aSecondCameraRebuildsTheSceneForItsModel() {
+        ProgramStates::setIntAttr(18, 2);
+        showView();
+        QVERIFY(view->InitProcess());
+        view->setCameraModelOr(bw::Orientation(0.f, 0.38268343f, 0.f, 0.92387953f));
+        ProgramStates::setIntAttr(18, 1);
+        QVERIFY(view->InitProcess());
+        QCOMPARE(view->model()->getIndices().size(), std::size_t(3 * 1513));
+        QVERIFY(countNear(frame(), QColor(201, 209, 237), 3) > 30);
+        // The pose handed over before the new camera opened still applies.
+        QVERIFY(sameQuat(view->modelOrientation(),
+                         bw::Orientation(0.f, 0.38268343f, 0.f, 0.92387953f)));
+    }
+
+    void anInitialisationBeforeTheFirstShowWaitsForTheContext() {
+        view = std::make_unique<OGL3DWidget>();
+        view->resize(400, 300);
+        QVERIFY(view->InitProcess());
+        QVERIFY(!view->isInitialised());
+        view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+        QTRY_VERIFY(view->isInitialised());
+        QVERIFY(countNear(frame(), QColor(217, 255, 66), 8) > 50);
     }
 
     void nonSquareViewStaysCentred() {

@@ -109,7 +109,7 @@ void TestForms::mainWindowHasItsWidgetTree_data() {
         {"LogoTitle", "QLabel"},
         {"label_sensor_type_top", "QLabel"},
         {"frame_ogl", "QFrame"},
-        {"widget_3d_view", "QWidget"},
+        {"widget_3d_view", "OGL3DWidget"},
         {"frame_data_options", "QFrame"},
         {"label_sensor_type", "QLabel"},
         {"label_sensor_rate", "QLabel"},
