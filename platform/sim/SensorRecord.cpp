@@ -11,9 +11,9 @@ void fillImu(const DeviceState& state, const ImuSample& sample, SensorsData::IMU
     // readers that there is no IMU sample in it.
     out.is_available = !state.faults.imuUnavailable;
     out.timestamp = out.is_available ? sample.timestampNs : 0;
-    out.pose = Transform(sample.pose, Translation(0.f, 0.f, 0.f));
-    out.linear_acceleration = sample.acceleration;
-    out.angular_velocity = sample.angularVelocity;
+    out.pose = Transform(imageFromCameraPose(sample.pose), Translation(0.f, 0.f, 0.f));
+    out.linear_acceleration = imageFromCameraAxes(sample.acceleration);
+    out.angular_velocity = imageFromCameraAxes(sample.angularVelocity);
     out.effective_rate = sample.effectiveRate;
 }
 
@@ -26,8 +26,9 @@ void fillMagnetometer(const DeviceState& state, std::uint64_t atNs,
     }
     const Vector3<float> raw = state.reportedMagField(*sample);
     out.timestamp = sample->timestampNs;
-    out.magnetic_field_uncalibrated = cameraFromDeviceAxes(raw);
-    out.magnetic_field_calibrated = cameraFromDeviceAxes(applyMagCalibration(state.eeprom, raw));
+    // The magnetometer's device axes are already the reporting frame.
+    out.magnetic_field_uncalibrated = raw;
+    out.magnetic_field_calibrated = applyMagCalibration(state.eeprom, raw);
     out.effective_rate = sample->effectiveRate;
 }
 

@@ -134,9 +134,15 @@ std::array<std::uint64_t, 3> axisKeys(std::uint64_t seed, noise::Stream stream) 
 
 }  // namespace
 
-Vector3<float> cameraFromDeviceAxes(const Vector3<float>& d) { return {-d.y, d.x, d.z}; }
+Vector3<float> imageFromCameraAxes(const Vector3<float>& c) { return {-c.y, -c.z, c.x}; }
 
-Vector3<float> deviceFromCameraAxes(const Vector3<float>& c) { return {c.y, -c.x, c.z}; }
+// Both the camera and the world frame turn by the same fixed rotation, so the rotation axis
+// turns with them and the angle stays.
+Orientation imageFromCameraPose(const Orientation& q) { return {-q.y, -q.z, q.x, q.w}; }
+
+Vector3<float> cameraFromDeviceAxes(const Vector3<float>& d) { return {d.z, -d.x, -d.y}; }
+
+Vector3<float> deviceFromCameraAxes(const Vector3<float>& c) { return imageFromCameraAxes(c); }
 
 struct SensorTimeline::State {
     State(const DeviceConfig& c, std::uint64_t start);

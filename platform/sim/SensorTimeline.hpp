@@ -40,7 +40,14 @@ struct Temperatures {
     float imu = 0.f, barometer = 0.f, onboardLeft = 0.f, onboardRight = 0.f;
 };
 
-// Camera axes from the magnetometer's device axes and back: x = -d1, y = d0, z = d2.
+// The frame in which a camera reports its sensors: x to the right, y down, z forward along the
+// optical axis (the image frame). Its world frame is the image frame of a level camera facing
+// magnetic north, so a camera at rest reads a specific force of (0, -9.81, 0) m/s². The motion
+// model works in its own frame (MotionModel.hpp); these convert its vectors and poses.
+Vector3<float> imageFromCameraAxes(const Vector3<float>& c);
+Orientation imageFromCameraPose(const Orientation& q);
+
+// The magnetometer's device axes are the image axes: x = d2, y = -d0, z = -d1 in camera axes.
 Vector3<float> cameraFromDeviceAxes(const Vector3<float>& d);
 Vector3<float> deviceFromCameraAxes(const Vector3<float>& c);
 

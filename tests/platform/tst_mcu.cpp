@@ -3,10 +3,10 @@
 // calibration status, and the heading convention.
 #include <Eigen/Geometry>
 #include <QtTest>
+#include <atomic>
 #include <bw/ORYXmcu.hpp>
 #include <bw/hid.hpp>
 #include <cmath>
-#include <atomic>
 #include <cstring>
 #include <thread>
 
@@ -161,8 +161,8 @@ private slots:
         QCOMPARE(std::uint64_t{r.timestamp}, d.magnetometer.timestamp / 39000);
         const auto& u = d.magnetometer.magnetic_field_uncalibrated;
         const float tol = 1.f / 32 + 1e-4f;  // half a count
-        QVERIFY(std::abs(-r.mag[1] / 16.f - u.x) <= tol);
-        QVERIFY(std::abs(r.mag[0] / 16.f - u.y) <= tol);
+        QVERIFY(std::abs(r.mag[0] / 16.f - u.x) <= tol);
+        QVERIFY(std::abs(r.mag[1] / 16.f - u.y) <= tol);
         QVERIFY(std::abs(r.mag[2] / 16.f - u.z) <= tol);
     }
 
@@ -332,8 +332,7 @@ private slots:
 
     // The calibration dialog's two threads: one polls the records while the other stops the
     // capture, reads and writes the EEPROM and restarts it. Run under ThreadSanitizer.
-    void readerThreadAndEepromAccessShareTheDevice()
-    {
+    void readerThreadAndEepromAccessShareTheDevice() {
         SimScope sim({camera(MODEL::ORYX_D, kSerialD)});
         Clock::setAutoAdvanceLimit(UINT64_MAX);
         const auto mcu = openMcu(kSerialD);

@@ -433,10 +433,11 @@ private slots:
     void magnetometerAxesMapToCameraAxes_data() {
         QTest::addColumn<Eigen::Vector3d>("device");
         QTest::addColumn<Eigen::Vector3d>("camera");
-        QTest::newRow("d0 is camera y") << Eigen::Vector3d(1, 0, 0) << Eigen::Vector3d(0, 1, 0);
-        QTest::newRow("d1 is camera -x") << Eigen::Vector3d(0, 1, 0) << Eigen::Vector3d(-1, 0, 0);
-        QTest::newRow("d2 is camera z") << Eigen::Vector3d(0, 0, 1) << Eigen::Vector3d(0, 0, 1);
-        QTest::newRow("mixed") << Eigen::Vector3d(3, -5, 7) << Eigen::Vector3d(5, 3, 7);
+        // Device: right, down, forward. Motion model: forward, left, up.
+        QTest::newRow("d0 is camera -y") << Eigen::Vector3d(1, 0, 0) << Eigen::Vector3d(0, -1, 0);
+        QTest::newRow("d1 is camera -z") << Eigen::Vector3d(0, 1, 0) << Eigen::Vector3d(0, 0, -1);
+        QTest::newRow("d2 is camera x") << Eigen::Vector3d(0, 0, 1) << Eigen::Vector3d(1, 0, 0);
+        QTest::newRow("mixed") << Eigen::Vector3d(3, -5, 7) << Eigen::Vector3d(7, -3, 5);
     }
 
     void magnetometerAxesMapToCameraAxes() {
