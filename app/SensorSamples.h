@@ -27,6 +27,9 @@ struct SensorSeries {
     void clear();
     void reserve(int count);
     int rows() const { return imuTime.size(); }
+    // Bytes held by the values of every series, or by their reserved capacity.
+    double valueBytes() const;
+    double capacityBytes() const;
 };
 
 // Written by the sampling thread without the lock and read by the GUI as plain values: a stale

@@ -219,35 +219,6 @@ Gaps findGaps(const QVector<double>& time, double period) {
     return gaps;
 }
 
-// Every series of SensorSeries; the assertion catches one added without being listed here.
-std::vector<const QVector<double>*> allSeries(const SensorSeries& s) {
-    return {&s.accX,           &s.accY,
-            &s.accZ,           &s.gyroX,
-            &s.gyroY,          &s.gyroZ,
-            &s.magX,           &s.magY,
-            &s.magZ,           &s.orientX,
-            &s.orientY,        &s.orientZ,
-            &s.pressure,       &s.altitude,
-            &s.movingState,    &s.tempLeft,
-            &s.tempRight,      &s.imuTime,
-            &s.magTime,        &s.baroTime,
-            &s.imuRate,        &s.tempFallbackTime,
-            &s.tempSampleLeft, &s.tempSampleRight,
-            &s.baroRate,       &s.baroSamplePressure,
-            &s.baroSampleTime, &s.magRate,
-            &s.magSampleX,     &s.magSampleY,
-            &s.magSampleZ,     &s.magSampleTime};
-}
-static_assert(sizeof(SensorSeries) == 32 * sizeof(QVector<double>),
-              "allSeries() must list every series of SensorSeries");
-
-double seriesBytes(const SensorSeries& s, bool capacity) {
-    double bytes = 0.0;
-    for (const QVector<double>* v : allSeries(s))
-        bytes += static_cast<double>(capacity ? v->capacity() : v->size()) * sizeof(double);
-    return bytes;
-}
-
 // ---- Memory per sampled hour --------------------------------------------------------------------
 
 // One simulated hour as fast as the loop runs: the virtual clock moves whenever the reader waits.
@@ -280,8 +251,8 @@ void BM_MemoryPerSampledHour(benchmark::State& state) {
     state.counters["rows"] = gaps.rows;
     state.counters["missing"] = static_cast<double>(gaps.missing);
     state.counters["rss_added_MiB"] = added / kMiB;
-    state.counters["series_size_MiB"] = seriesBytes(s, false) / kMiB;
-    state.counters["series_capacity_MiB"] = seriesBytes(s, true) / kMiB;
+    state.counters["series_size_MiB"] = s.valueBytes() / kMiB;
+    state.counters["series_capacity_MiB"] = s.capacityBytes() / kMiB;
     state.counters["bytes_per_row"] = added / std::max(1, gaps.rows);
     state.counters["peak_rss_MiB"] = peakResidentBytes() / kMiB;
     if (!peakReset) state.SetLabel("peak is the whole run's: clear_refs not writable");
