@@ -21,14 +21,14 @@
 
 namespace {
 
-struct CurveSpec {
+struct CurveLook {
     const char* title;
     const QString& colour;
 };
 
 // Indexed by DataPlot::DataType. X is always red, Y green, Z blue; the temperatures take the
 // Y and Z colours.
-const CurveSpec kCurveSpecs[DataPlot::curveCount] = {
+const CurveLook kCurveLooks[DataPlot::curveCount] = {
     {QT_TRANSLATE_NOOP("DataPlot", "Acc. X"), clr::xAxis},
     {QT_TRANSLATE_NOOP("DataPlot", "Acc. Y"), clr::yAxis},
     {QT_TRANSLATE_NOOP("DataPlot", "Acc. Z"), clr::zAxis},
@@ -48,7 +48,7 @@ const CurveSpec kCurveSpecs[DataPlot::curveCount] = {
 
 constexpr double kCurveWidth = 2.0;
 
-struct SensorSpec {
+struct SensorLayout {
     const char* axisTitle;
     DataPlot::DataType firstCurve;
     int curveCount;
@@ -56,7 +56,7 @@ struct SensorSpec {
 
 // Indexed by DataPlot::SensorType. The barometer's curve carries pressure values although its
 // title names the relative altitude.
-const SensorSpec kSensorSpecs[] = {
+const SensorLayout kSensorLayouts[] = {
     {QT_TRANSLATE_NOOP("DataPlot", "Accelerations [m/s²]"), DataPlot::ACC_X, 3},
     {QT_TRANSLATE_NOOP("DataPlot", "Angular velocities [°/s]"), DataPlot::GYR_X, 3},
     {QT_TRANSLATE_NOOP("DataPlot", "Magnetic fields [µT]"), DataPlot::MAG_X, 3},
@@ -155,9 +155,9 @@ void DataPlot::setupTracker() {
 
 void DataPlot::createCurves() {
     for (int type = 0; type < curveCount; ++type) {
-        const CurveSpec& spec = kCurveSpecs[type];
-        auto* curve = new DataCurve(tr(spec.title));
-        curve->setLine(cssColour(spec.colour), kCurveWidth);
+        const CurveLook& look = kCurveLooks[type];
+        auto* curve = new DataCurve(tr(look.title));
+        curve->setLine(cssColour(look.colour), kCurveWidth);
         curve->attach(this);
         curves[static_cast<size_t>(type)] = curve;
     }
@@ -168,10 +168,10 @@ void DataPlot::setSensorType(SensorType type) {
         showCurve(curve, false, false);
     }
     if (type >= ACCELEROMETER && type <= TEMPERATURE) {
-        const SensorSpec& spec = kSensorSpecs[type];
-        yTitle.setText(tr(spec.axisTitle));
-        for (int i = 0; i < spec.curveCount; ++i) {
-            showCurve(curves[static_cast<size_t>(spec.firstCurve + i)], true, false);
+        const SensorLayout& sensorLayout = kSensorLayouts[type];
+        yTitle.setText(tr(sensorLayout.axisTitle));
+        for (int i = 0; i < sensorLayout.curveCount; ++i) {
+            showCurve(curves[static_cast<size_t>(sensorLayout.firstCurve + i)], true, false);
         }
     }
     setAxisTitle(yLeft, yTitle);

@@ -16,13 +16,13 @@ struct Column {
 
 // Column groups as a reader of the files sees them: header texts, values, and when each group
 // is written. The timestamp groups depend on the groups that use them.
-struct GroupSpec {
+struct ColumnGroup {
     std::function<bool(const RecOptions&)> written;
     QList<Column> columns;
 };
 
-const QList<GroupSpec>& groupSpecs() {
-    static const QList<GroupSpec> specs = {
+const QList<ColumnGroup>& columnGroups() {
+    static const QList<ColumnGroup> groups = {
         {[](const RecOptions& o) {
              return o.accelerometer || o.gyroscope || o.orientation || o.movement || o.temperatures;
          },
@@ -54,7 +54,7 @@ const QList<GroupSpec>& groupSpecs() {
           {"temp_imu[C]", &CsvRow::tempImu},
           {"temp_barom[C]", &CsvRow::tempBarometer}}},
     };
-    return specs;
+    return groups;
 }
 
 const Group kGroupFields[] = {&RecOptions::accelerometer, &RecOptions::gyroscope,
@@ -81,8 +81,8 @@ CsvRow distinctRow(int index) {
     CsvRow row;
     row.index = index;
     double next = 1.25;
-    for (const GroupSpec& spec : groupSpecs()) {
-        for (const Column& column : spec.columns) {
+    for (const ColumnGroup& group : columnGroups()) {
+        for (const Column& column : group.columns) {
             row.*column.value = next;
             next += 1.0;
         }
@@ -131,9 +131,9 @@ void TestCsvFormat::headerAndRowAgreeForEveryCombination() {
         const RecOptions options = optionsOfMask(mask);
         QString expectedHeader = "idx,";
         QStringList expectedValues = {"42"};
-        for (const GroupSpec& spec : groupSpecs()) {
-            if (!spec.written(options)) continue;
-            for (const Column& column : spec.columns) {
+        for (const ColumnGroup& group : columnGroups()) {
+            if (!group.written(options)) continue;
+            for (const Column& column : group.columns) {
                 expectedHeader += QLatin1String(column.title) +
                                   (column.value == &CsvRow::movingState ? ", " : ",");
                 expectedValues << QString::number(row.*column.value, 'f', 9);
