@@ -7,15 +7,10 @@
 #include <thread>
 
 #include "OGL3DWidget.h"
+#include "SceneChecks.h"
 #include "programstates.h"
 
 namespace {
-
-bool near(float a, float b, float eps = 1e-5f) { return std::fabs(a - b) <= eps; }
-
-bool sameVec(const bw::Translation& a, const bw::Translation& b, float eps = 1e-5f) {
-    return near(a.x, b.x, eps) && near(a.y, b.y, eps) && near(a.z, b.z, eps);
-}
 
 bool sameQuat(const bw::Orientation& a, const bw::Orientation& b, float eps = 1e-5f) {
     return near(a.x, b.x, eps) && near(a.y, b.y, eps) && near(a.z, b.z, eps) && near(a.w, b.w, eps);
@@ -31,20 +26,6 @@ QImage rgbOf(const QImage& grabbed) {
         }
     }
     return img;
-}
-
-int countNear(const QImage& img, QColor c, int tol) {
-    int n = 0;
-    for (int y = 0; y < img.height(); ++y) {
-        for (int x = 0; x < img.width(); ++x) {
-            const QColor p = img.pixelColor(x, y);
-            if (std::abs(p.red() - c.red()) <= tol && std::abs(p.green() - c.green()) <= tol &&
-                std::abs(p.blue() - c.blue()) <= tol) {
-                ++n;
-            }
-        }
-    }
-    return n;
 }
 
 }  // namespace

@@ -11,32 +11,13 @@
 
 #include "CameraGL.h"
 #include "Oryx3D.h"
+#include "SceneChecks.h"
 #include "Shaders.h"
 #include "Simple3DObject.h"
 
 namespace {
 
 constexpr int kSize = 64;
-
-bool near(float a, float b, float eps = 1e-5f) { return std::fabs(a - b) <= eps; }
-
-bool nearVec(const bw::Translation& a, const bw::Translation& b, float eps = 1e-5f) {
-    return near(a.x, b.x, eps) && near(a.y, b.y, eps) && near(a.z, b.z, eps);
-}
-
-int countColour(const QImage& img, QColor c, int tol = 3) {
-    int n = 0;
-    for (int y = 0; y < img.height(); ++y) {
-        for (int x = 0; x < img.width(); ++x) {
-            const QColor p = img.pixelColor(x, y);
-            if (std::abs(p.red() - c.red()) <= tol && std::abs(p.green() - c.green()) <= tol &&
-                std::abs(p.blue() - c.blue()) <= tol) {
-                ++n;
-            }
-        }
-    }
-    return n;
-}
 
 }  // namespace
 
@@ -119,7 +100,7 @@ private slots:
 
         begin();
         tri.draw();  // not uploaded yet
-        QCOMPARE(countColour(finish(), Qt::green), 0);
+        QCOMPARE(countNear(finish(), Qt::green), 0);
         QVERIFY(!tri.isReady());
 
         QVERIFY(tri.pushToGPU());
@@ -133,7 +114,7 @@ private slots:
         QVERIFY(!tri.isReady());
         begin();
         tri.draw();
-        QCOMPARE(countColour(finish(), Qt::green), 0);
+        QCOMPARE(countNear(finish(), Qt::green), 0);
         QCOMPARE(int(context.functions()->glGetError()), int(GL_NO_ERROR));
     }
 
@@ -154,7 +135,7 @@ private slots:
         begin();
         obj.draw();
         const QImage img = finish();
-        QCOMPARE(countColour(img, Qt::blue), kSize * kSize);  // the full-screen quad, all blue
+        QCOMPARE(countNear(img, Qt::blue), kSize * kSize);  // the full-screen quad, all blue
     }
 
     void emptyObjectUploadsAndDrawsNothing() {
@@ -163,7 +144,7 @@ private slots:
         QVERIFY(obj.isReady());
         begin();
         obj.draw();
-        QCOMPARE(countColour(finish(), Qt::black), kSize * kSize);
+        QCOMPARE(countNear(finish(), Qt::black), kSize * kSize);
         QCOMPARE(int(context.functions()->glGetError()), int(GL_NO_ERROR));
     }
 
@@ -175,7 +156,7 @@ private slots:
         begin();
         obj.draw();
         const QImage img = finish();
-        const int yellow = countColour(img, Qt::yellow);
+        const int yellow = countNear(img, Qt::yellow);
         QVERIFY2(yellow >= kSize - 2 && yellow <= 2 * kSize, qPrintable(QString::number(yellow)));
     }
 
@@ -187,7 +168,7 @@ private slots:
         const bw::Transform m = obj.getModelMatrix();
         // (1, 0, 0) turns onto (0, 1, 0), then moves by (2, 2, 3).
         QVERIFY(near(m(0, 0), 0) && near(m(1, 0), 1) && near(m(2, 0), 0));
-        QVERIFY(nearVec(m.getTranslation(), bw::Translation(2, 2, 3)));
+        QVERIFY(sameVec(m.getTranslation(), bw::Translation(2, 2, 3)));
         QCOMPARE(m(3, 3), 1.f);
         // rotate() applies the new rotation on the left.
         const bw::Orientation half(bw::Rotation(float(M_PI), bw::Translation(1, 0, 0)));
@@ -197,7 +178,7 @@ private slots:
         QVERIFY(near(obj.getRotation().x, expected.x) && near(obj.getRotation().w, expected.w) &&
                 near(obj.getRotation().y, expected.y) && near(obj.getRotation().z, expected.z));
         obj.setRT(bw::Transform(quarter, bw::Translation(7, 8, 9)));
-        QVERIFY(nearVec(obj.getPosition(), bw::Translation(7, 8, 9)));
+        QVERIFY(sameVec(obj.getPosition(), bw::Translation(7, 8, 9)));
     }
 
     // ---- DynAxis -----------------------------------------------------------------------------
@@ -213,8 +194,8 @@ private slots:
         QCOMPARE(dyn.getVertices()[3], -0.15f);
         const QColor red(200, 70, 70);
         const int left = kSize / 2 - 3;
-        QVERIFY(countColour(img.copy(0, 0, kSize / 2 - 1, kSize), red) > 0);
-        QCOMPARE(countColour(img.copy(kSize / 2 + 2, 0, kSize / 2 - 2, kSize), red), 0);
+        QVERIFY(countNear(img.copy(0, 0, kSize / 2 - 1, kSize), red) > 0);
+        QCOMPARE(countNear(img.copy(kSize / 2 + 2, 0, kSize / 2 - 2, kSize), red), 0);
         QCOMPARE(img.pixelColor(left, kSize / 2).red(), 200);
 
         // Drawn again with another vector: the triad is rebuilt.
@@ -268,18 +249,18 @@ private slots:
         CameraGL cam(bw::Translation(0, 0, 0), bw::Translation(0, 0, -1), bw::Translation(0, 1, 0));
         const bw::Orientation q = cam.getOrientation();
         QVERIFY(near(q.x, 0) && near(q.y, 0) && near(q.z, 0) && near(std::fabs(q.w), 1));
-        QVERIFY(nearVec(cam.getForward(), bw::Translation(0, 0, 1)));
-        QVERIFY(nearVec(cam.getUp(), bw::Translation(0, 1, 0)));
-        QVERIFY(nearVec(cam.getRight(), bw::Translation(-1, 0, 0)));
+        QVERIFY(sameVec(cam.getForward(), bw::Translation(0, 0, 1)));
+        QVERIFY(sameVec(cam.getUp(), bw::Translation(0, 1, 0)));
+        QVERIFY(sameVec(cam.getRight(), bw::Translation(-1, 0, 0)));
 
         cam.setDirection(bw::Translation(0, 0, -1), bw::Translation(0, -1, 0));
-        QVERIFY(nearVec(cam.getUp(), bw::Translation(0, -1, 0)));
-        QVERIFY(nearVec(cam.getForward(), bw::Translation(0, 0, 1)));
+        QVERIFY(sameVec(cam.getUp(), bw::Translation(0, -1, 0)));
+        QVERIFY(sameVec(cam.getForward(), bw::Translation(0, 0, 1)));
         QVERIFY(bw::Translation::dot(cam.getVertical(), cam.getUp()) > 0);
 
         // Looking along +x: forward is the opposite of the direction.
         cam.setDirection(bw::Translation(2, 0, 0), bw::Translation(0, 1, 0));
-        QVERIFY(nearVec(cam.getForward(), bw::Translation(-1, 0, 0)));
+        QVERIFY(sameVec(cam.getForward(), bw::Translation(-1, 0, 0)));
         QVERIFY(bw::Translation::dot(cam.getUp(), bw::Translation(0, 1, 0)) > 0.99f);
     }
 
@@ -316,9 +297,9 @@ private slots:
         cam.rotate(bw::Rotation(float(M_PI), bw::Translation(0, 0, 1)));  // upside down
         QVERIFY(bw::Translation::dot(cam.getVertical(), cam.getUp()) < 0);
         cam.update();
-        QVERIFY(nearVec(cam.getVertical(), bw::Translation(0, -1, 0)));
+        QVERIFY(sameVec(cam.getVertical(), bw::Translation(0, -1, 0)));
         cam.translate(bw::Translation(1, 0, 0));
-        QVERIFY(nearVec(cam.getPosition(), bw::Translation(1, 0, 0)));
+        QVERIFY(sameVec(cam.getPosition(), bw::Translation(1, 0, 0)));
     }
 
     // ---- Mesh tables -------------------------------------------------------------------------
@@ -329,14 +310,11 @@ private slots:
         QCOMPARE(sizeof(ORYX_obj::darkTriangles) / sizeof(int), std::size_t(54 * 3));
         QCOMPARE(sizeof(ORYX_C_obj::vertices) / sizeof(float), std::size_t(56 * 3));
         QCOMPARE(sizeof(ORYX_B_obj::vertices) / sizeof(float), std::size_t(1015 * 3));
-        const std::size_t b[] = {sizeof(ORYX_B_obj::alluminiumTriangles),
-                                 sizeof(ORYX_B_obj::alluminiumTriangles2),
-                                 sizeof(ORYX_B_obj::alluminiumTriangles3),
-                                 sizeof(ORYX_B_obj::darkTriangles),
-                                 sizeof(ORYX_B_obj::darkTriangles2),
-                                 sizeof(ORYX_B_obj::greyTriangles),
-                                 sizeof(ORYX_B_obj::greyTriangles2),
-                                 sizeof(ORYX_B_obj::yellowTriangles)};
+        const std::size_t b[] = {
+            sizeof(ORYX_B_obj::alluminiumTriangles),  sizeof(ORYX_B_obj::alluminiumTriangles2),
+            sizeof(ORYX_B_obj::alluminiumTriangles3), sizeof(ORYX_B_obj::darkTriangles),
+            sizeof(ORYX_B_obj::darkTriangles2),       sizeof(ORYX_B_obj::greyTriangles),
+            sizeof(ORYX_B_obj::greyTriangles2),       sizeof(ORYX_B_obj::yellowTriangles)};
         const std::size_t want[] = {35, 52, 38, 1142, 126, 20, 20, 80};
         for (int i = 0; i < 8; ++i) {
             QCOMPARE(b[i] / sizeof(int) / 3, want[i]);
@@ -350,8 +328,9 @@ private slots:
         QCOMPARE(ORYX_B_obj::YELLOW_COLOR, bw::Vector3<float>(1, 1, 0));
         QCOMPARE(ORYX_B_obj::DARK_COLOR, bw::Vector3<float>(0, 0, 0));
 
-        const float first[] = {-0.008456f, -0.016299f, 0.016299f,  -0.008456f, 0.016299f, 0.016299f,
-                               -0.008456f, 0.016299f,  -0.016299f, -0.008456f, -0.016299f, -0.016299f};
+        const float first[] = {-0.008456f, -0.016299f, 0.016299f,  -0.008456f,
+                               0.016299f,  0.016299f,  -0.008456f, 0.016299f,
+                               -0.016299f, -0.008456f, -0.016299f, -0.016299f};
         for (int i = 0; i < 12; ++i) {
             QCOMPARE(ORYX_obj::vertices[i], first[i]);
         }
