@@ -225,7 +225,7 @@ void CameraSession::recordFrame(DeviceState& state, std::uint64_t nowNs) {
     nextFrameNs_ = std::max(nextFrameNs_ + kFramePeriodNs, nowNs);
     if (const ImuSample* newest = state.timeline.newestImu()) {
         fillSensorsRecord(state, *newest, atGrab_);
-        rollAtGrab_ = Rotation(newest->pose).getEulerAngles().x;
+        rollAtGrab_ = Rotation(imageFromCameraPose(newest->pose)).getEulerAngles().z;
     }
 }
 

@@ -78,7 +78,7 @@ _imu_pose_data makePoseRecord(DeviceState& state, const ImuSample& imu) {
     pose.orientation[1] = imu.pose.y;
     pose.orientation[2] = imu.pose.z;
     pose.orientation[3] = imu.pose.w;
-    copy3(Rotation(imu.pose).getEulerAngles(true), pose.euler);
+    copy3(Rotation(imageFromCameraPose(imu.pose)).getEulerAngles(true), pose.euler);
 
     const Vector3<float> down = gravityInCamera(imu.pose);
     for (int i = 0; i < 3; ++i) {

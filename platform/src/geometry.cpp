@@ -123,30 +123,32 @@ void Rotation::setOrientation(const Orientation& q) {
     map(*this) = toEigen(q).normalized().toRotationMatrix();
 }
 
+// Euler angles (x, y, z) of R = Ry(y) * Rx(x) * Rz(z). In the image frame (x right, y down,
+// z forward) that is yaw about the vertical, then pitch, then roll about the optical axis: a level
+// camera may face any heading, and only the pitch is held to +/-90 degrees.
 Vector3<float> Rotation::getEulerAngles(bool radian) const {
-    // R = Rz(c) * Ry(b) * Rx(a): R20 = -sin b, R21 = cos b sin a, R22 = cos b cos a,
-    // R10 = sin c cos b, R00 = cos c cos b.
+    // R12 = -sin x, R10 = cos x sin z, R11 = cos x cos z, R02 = sin y cos x, R22 = cos y cos x.
     const auto R = map(*this);
-    const float s = std::clamp(-R(2, 0), -1.f, 1.f);
-    const float b = std::asin(s);
-    float a = 0.f;
-    float c = 0.f;
+    const float s = std::clamp(-R(1, 2), -1.f, 1.f);
+    const float x = std::asin(s);
+    float y = 0.f;
+    float z = 0.f;
     if (std::abs(s) < 0.99999f) {
-        a = std::atan2(R(2, 1), R(2, 2));
-        c = std::atan2(R(1, 0), R(0, 0));
+        y = std::atan2(R(0, 2), R(2, 2));
+        z = std::atan2(R(1, 0), R(1, 1));
     } else {
-        // Gimbal lock: only a +/- c is defined; put it all into c.
-        c = std::atan2(-R(0, 1), R(1, 1));
+        // Gimbal lock: only y +/- z is defined; put it all into y.
+        y = std::atan2(-R(2, 0), R(0, 0));
     }
     const float k = radian ? 1.f : kRadToDeg;
-    return {a * k, b * k, c * k};
+    return {x * k, y * k, z * k};
 }
 
 void Rotation::setEulerAngles(const Vector3<float>& angles, bool radian) {
     const float k = radian ? 1.f : kDegToRad;
-    const Eigen::Matrix3f m = (Eigen::AngleAxisf(angles.z * k, Eigen::Vector3f::UnitZ()) *
-                               Eigen::AngleAxisf(angles.y * k, Eigen::Vector3f::UnitY()) *
-                               Eigen::AngleAxisf(angles.x * k, Eigen::Vector3f::UnitX()))
+    const Eigen::Matrix3f m = (Eigen::AngleAxisf(angles.y * k, Eigen::Vector3f::UnitY()) *
+                               Eigen::AngleAxisf(angles.x * k, Eigen::Vector3f::UnitX()) *
+                               Eigen::AngleAxisf(angles.z * k, Eigen::Vector3f::UnitZ()))
                                   .toRotationMatrix();
     map(*this) = m;
 }

@@ -204,6 +204,10 @@ private slots:
         if (motion == bw::sim::MotionProfile::Still) {
             const SensorsData d = catchUp(cam);
             QVERIFY(d.imu.linear_acceleration.y < -9.5f);
+            // Level on the table: pitch and roll stay near zero whatever the heading.
+            const bw::Vector3<float> euler = d.imu.pose.getEulerAngles(false);
+            QVERIFY2(std::abs(euler.x) < 3.f && std::abs(euler.z) < 3.f,
+                     qPrintable(QString("%1 %2 %3").arg(euler.x).arg(euler.y).arg(euler.z)));
         }
     }
 

@@ -173,12 +173,13 @@ private slots:
 
     void eulerAnglesRoundTrip() {
         const float step = 0.5f;
-        for (float x = -3.f; x <= 3.f; x += step) {
-            for (float y = -1.4f; y <= 1.4f; y += step) {  // away from the +/-90 deg lock
+        for (float x = -1.4f; x <= 1.4f; x += step) {  // away from the +/-90 deg lock
+            for (float y = -3.f; y <= 3.f; y += step) {
                 for (float z = -3.f; z <= 3.f; z += step) {
-                    const Eigen::Quaternionf ref = Eigen::AngleAxisf(z, Eigen::Vector3f::UnitZ()) *
-                                                   Eigen::AngleAxisf(y, Eigen::Vector3f::UnitY()) *
-                                                   Eigen::AngleAxisf(x, Eigen::Vector3f::UnitX());
+                    // Yaw about y, then pitch about x, then roll about z.
+                    const Eigen::Quaternionf ref = Eigen::AngleAxisf(y, Eigen::Vector3f::UnitY()) *
+                                                   Eigen::AngleAxisf(x, Eigen::Vector3f::UnitX()) *
+                                                   Eigen::AngleAxisf(z, Eigen::Vector3f::UnitZ());
                     Transform t;
                     t.setEulerAngles({x, y, z});
                     QVERIFY(sameRotation(t.getOrientation(), ref, 1e-4f));

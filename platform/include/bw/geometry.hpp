@@ -71,7 +71,8 @@ public:
 
     Orientation getOrientation() const;
     void setOrientation(const Orientation& q);
-    // Euler angles (x, y, z) of the rotation R = Rz * Ry * Rx, in radians or degrees.
+    // Euler angles (x, y, z) of the rotation R = Ry * Rx * Rz, in radians or degrees: in the
+    // image frame, yaw about y, then pitch about x (held to +/-90 degrees), then roll about z.
     Vector3<float> getEulerAngles(bool radian = true) const;
     void setEulerAngles(const Vector3<float>& angles, bool radian = true);
 };
