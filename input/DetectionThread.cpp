@@ -2,7 +2,12 @@
 
 #include <bw/Camera.hpp>
 
-DetectionThread::~DetectionThread() { wait(); }
+DetectionThread::~DetectionThread() {
+    wait();
+    // QThread::wait synchronises through Qt's own futexes, which ThreadSanitizer cannot see.
+    // Taking the list lock once orders the last poll's hand-over before the list is destroyed.
+    std::lock_guard<std::mutex> lock(listMutex);
+}
 
 std::vector<bw::DeviceProperties> DetectionThread::deviceList() const {
     std::lock_guard<std::mutex> lock(listMutex);
