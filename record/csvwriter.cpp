@@ -8,7 +8,10 @@ bool CsvWriter::open(const QString& filePath, const RecOptions& groups) {
         file.close();
     }
     file.setFileName(filePath);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+    // Unbuffered: each line goes to the system in one write. Through Qt's ring buffer a line
+    // that straddles two of its chunks is flushed in two writes, and a process killed between
+    // them leaves half a line.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text | QIODevice::Unbuffered)) {
         return false;
     }
     options = groups;
@@ -26,11 +29,11 @@ bool CsvWriter::writeRow(const CsvRow& row) {
     return writeLine();
 }
 
-// One write of the whole line, then out of Qt's buffer into the system's: what a killed process
-// leaves in the file ends with a complete line.
+// One write of the whole line: what a killed process leaves in the file ends with a complete
+// line.
 bool CsvWriter::writeLine() {
     const auto size = static_cast<qint64>(line.size());
-    return file.write(line.data(), size) == size && file.flush();
+    return file.write(line.data(), size) == size;
 }
 
 void CsvWriter::close() {
