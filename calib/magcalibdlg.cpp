@@ -465,7 +465,9 @@ void MagCalibDlg::onUpdateTimer() {
             cal->setFitEllipse(CalibPlot::XZ, cx.min, cz.min, cx.width(), cz.width());
             cal->setFitEllipse(CalibPlot::YZ, cy.min, cz.min, cy.width(), cz.width());
         }
-        updatePlots();
+        // Five scatter plots of thousands of points are costly to draw: only new samples are
+        // worth it. A device that stops delivering leaves the dialog idle, not busy.
+        if (n != plottedSampleCount) updatePlots();
     }
 
     const double uncal = headingUncalib;
@@ -550,6 +552,7 @@ void MagCalibDlg::updatePlots() {
     for (CalibPlot* plot : {ui->widget_plot_XY, ui->widget_plot_XZ, ui->widget_plot_YZ,
                             ui->widget_plot_mixed_raw, ui->widget_plot_calibrated})
         plot->replot();
+    plottedSampleCount = rawX.size();
 }
 
 void MagCalibDlg::clearPlots() {

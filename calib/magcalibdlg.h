@@ -91,6 +91,7 @@ private:
     // Guarded by sampleMutex.
     QVector<double> rawX, rawY, rawZ;
     QVector<double> calX, calY, calZ;
+    int plottedSampleCount = 0;  // raw samples on the plots as last drawn
 
     // Markers of the twelve scatter curves; each curve owns its symbol once it has it.
     QwtSymbol* symbols[12] = {};

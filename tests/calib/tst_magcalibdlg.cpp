@@ -14,6 +14,7 @@
 
 #include "CalibBoxWatcher.h"
 #include "SensorTimeline.hpp"
+#include "WidgetTestMain.h"
 #include "magcalibdlg.h"
 
 using bw::MODEL;
@@ -26,7 +27,9 @@ namespace {
 constexpr unsigned kSerial = 30000001;
 constexpr std::uint64_t kMs = 1'000'000ull;
 constexpr std::uint64_t kSecond = 1000 * kMs;
-constexpr int kWaitMs = 60000;  // only a guard against hangs
+// Only a guard against hangs. QTRY_* counts its polling steps, not elapsed time, so a failing
+// wait lasts longer than this when the dialog redraws between steps.
+constexpr int kWaitMs = 20000;
 
 const QString kNotDetected = QStringLiteral(
     "ORYX_C/ORYX_D with serial number %1 not detected. Please verify the connections and retry");
@@ -100,13 +103,23 @@ void writeEeprom(unsigned serial, const float scale[3], const float offset[3]) {
     QCOMPARE(mcu->writeMagCalibInEEprom(c), 0);
 }
 
-// Virtual time with the given cameras; time moves only as far as a test allows.
+// Virtual time with the given cameras; time moves only as far as a test allows. The cameras have
+// been running for a moment when a test starts, as a plugged camera has: a reader on a clock that
+// stands still then finds no new sample rather than no sample at all, which the dialog would count
+// as a failed read however fast or slow the test runs.
 class Sim {
     bw::sim::VirtualTimeScope time_;
 
-public:
-    explicit Sim(const std::vector<DeviceConfig>& cameras) {
+    static std::uint64_t plugAndRun(const std::vector<DeviceConfig>& cameras) {
         Bus::instance().load(cameras);
+        Clock::advanceBy(kAlreadyRunningNs);
+        return Clock::nowNs();
+    }
+
+public:
+    static constexpr std::uint64_t kAlreadyRunningNs = 100 * kMs;
+
+    explicit Sim(const std::vector<DeviceConfig>& cameras) : start(plugAndRun(cameras)) {
         Clock::setAutoAdvanceLimit(start);
     }
     ~Sim() {
@@ -115,9 +128,11 @@ public:
     }
     // Lets readers move time forward to start + ns.
     void allowUntil(std::uint64_t ns) { Clock::setAutoAdvanceLimit(start + ns); }
+    // Lets readers move time forward by ns from where it stands now.
+    void allowAnother(std::uint64_t ns) { Clock::setAutoAdvanceLimit(Clock::nowNs() + ns); }
     void setFaults(const bw::sim::Faults& f) { Bus::instance().setFaults(kSerial, f); }
 
-    const std::uint64_t start = Clock::nowNs();
+    const std::uint64_t start;
 };
 
 template <class T>
@@ -447,13 +462,12 @@ private slots:
 
     void readFailuresEndTheGrabThread() {
         Sim sim({tumblingD()});
-        sim.allowUntil(60 * kSecond);
         CalibBoxWatcher boxes({"Ok"});
         MagCalibDlg dlg(int(kSerial), nullptr);
         dlg.show();
         QVERIFY(dlg.isGrabbing());
         auto* start = child<QPushButton>(dlg, "pushButton_start");
-        start->click();
+        collect(dlg, sim, 1 * kSecond, 20);
         bw::sim::Faults f;
         f.mcuReadFails = true;
         sim.setFaults(f);
@@ -464,11 +478,14 @@ private slots:
         QVERIFY(!start->isChecked());
         QCOMPARE(start->text(), QString(" Continue Calibration"));
 
-        // The camera recovers: start again collects again.
+        // The camera recovers: start again goes on collecting into the same set. Time moves only
+        // once the new grab thread runs, so the samples it finds are new ones.
         sim.setFaults({});
+        const int before = dlg.rawSampleCount();
         start->click();
         QVERIFY(dlg.isGrabbing());
-        QTRY_VERIFY_WITH_TIMEOUT(dlg.rawSampleCount() > 10, kWaitMs);
+        sim.allowAnother(1 * kSecond);
+        QTRY_VERIFY_WITH_TIMEOUT(dlg.rawSampleCount() >= before + 20, kWaitMs);
         QCOMPARE(boxes.count(kReadError), 1);
     }
 
@@ -558,5 +575,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TestMagCalibDlg)
+WIDGET_TEST_MAIN(TestMagCalibDlg)
 #include "tst_magcalibdlg.moc"
