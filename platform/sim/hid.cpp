@@ -40,9 +40,15 @@ std::string toUtf8(const wchar_t* text) {
 void appendHardware(unsigned short vendorId, unsigned short productId,
                     std::vector<HidDeviceRecord>& out) {
     // Without USB access (containers, no permissions) hidapi finds nothing; that is no error.
+    // hidapi's USB back end runs an event thread from hid_init to hid_exit: a listing is rare
+    // (a calibration dialog opening), so the library is released again right after it rather
+    // than left running until the process exits.
     if (hid_init() != 0) {
         return;
     }
+    struct ReleaseHidapi {
+        ~ReleaseHidapi() { hid_exit(); }
+    } releaseHidapi;
     hid_device_info* list = hid_enumerate(vendorId, productId);
     for (const hid_device_info* d = list; d; d = d->next) {
         HidDeviceRecord r;
