@@ -1,6 +1,7 @@
 #include <QtTest>
 
 #include "mainwindow.h"
+#include "WidgetTestMain.h"
 
 class TestMainWindow : public QObject {
     Q_OBJECT
@@ -26,5 +27,5 @@ void TestMainWindow::showsTitledWindow() {
     QVERIFY(!w.isVisible());
 }
 
-QTEST_MAIN(TestMainWindow)
+WIDGET_TEST_MAIN(TestMainWindow)
 #include "tst_mainwindow.moc"

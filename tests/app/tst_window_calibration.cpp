@@ -8,6 +8,7 @@
 #include "magcalibdlg.h"
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
+#include "WidgetTestMain.h"
 
 class TestWindowCalibration : public QObject {
     Q_OBJECT
@@ -48,5 +49,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TestWindowCalibration)
+WIDGET_TEST_MAIN(TestWindowCalibration)
 #include "tst_window_calibration.moc"

@@ -7,6 +7,7 @@
 #include "SimulatedCameras.h"
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
+#include "WidgetTestMain.h"
 
 namespace {
 
@@ -135,5 +136,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TestWindowChart)
+WIDGET_TEST_MAIN(TestWindowChart)
 #include "tst_window_chart.moc"

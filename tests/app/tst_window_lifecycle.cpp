@@ -11,6 +11,7 @@
 #include "SimulatedCameras.h"
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
+#include "WidgetTestMain.h"
 
 namespace {
 
@@ -294,5 +295,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TestWindowLifecycle)
+WIDGET_TEST_MAIN(TestWindowLifecycle)
 #include "tst_window_lifecycle.moc"

@@ -9,6 +9,7 @@
 #include "SimulatedCameras.h"
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
+#include "WidgetTestMain.h"
 
 namespace {
 
@@ -149,5 +150,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TestWindowRecording)
+WIDGET_TEST_MAIN(TestWindowRecording)
 #include "tst_window_recording.moc"

@@ -6,6 +6,7 @@
 
 #include "OGL2DWidget.h"
 #include "programstates.h"
+#include "WidgetTestMain.h"
 
 class TstImageView : public QObject {
     Q_OBJECT
@@ -123,5 +124,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TstImageView)
+WIDGET_TEST_MAIN(TstImageView)
 #include "tst_imageview.moc"

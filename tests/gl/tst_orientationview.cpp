@@ -9,6 +9,7 @@
 #include "OGL3DWidget.h"
 #include "SceneChecks.h"
 #include "programstates.h"
+#include "WidgetTestMain.h"
 
 namespace {
 
@@ -326,5 +327,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TstOrientationView)
+WIDGET_TEST_MAIN(TstOrientationView)
 #include "tst_orientationview.moc"

@@ -14,6 +14,7 @@
 #include "SceneChecks.h"
 #include "Shaders.h"
 #include "Simple3DObject.h"
+#include "WidgetTestMain.h"
 
 namespace {
 
@@ -398,5 +399,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TstSceneObjects)
+WIDGET_TEST_MAIN(TstSceneObjects)
 #include "tst_sceneobjects.moc"

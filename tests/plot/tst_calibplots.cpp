@@ -8,6 +8,7 @@
 #include "CalibPlot.h"
 #include "Compass.h"
 #include "PlotImages.h"
+#include "WidgetTestMain.h"
 
 namespace {
 
@@ -188,5 +189,5 @@ void TestCalibPlots::rawCompassIsRed() {
     QCOMPARE(discColour(image), QColor(Qt::darkBlue));
 }
 
-QTEST_MAIN(TestCalibPlots)
+WIDGET_TEST_MAIN(TestCalibPlots)
 #include "tst_calibplots.moc"

@@ -14,6 +14,7 @@
 #include "FilledStroke.h"
 #include "PlotImages.h"
 #include "PolylineChunks.h"
+#include "WidgetTestMain.h"
 
 namespace {
 
@@ -301,5 +302,5 @@ void TestCurveDrawing::otherPaintersDrawTheOrdinaryWay() {
     QCOMPARE(drawItem(ours, setup), drawItem(plain, setup));
 }
 
-QTEST_MAIN(TestCurveDrawing)
+WIDGET_TEST_MAIN(TestCurveDrawing)
 #include "tst_curvedrawing.moc"

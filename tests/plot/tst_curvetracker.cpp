@@ -7,6 +7,7 @@
 
 #include "CurveTracker.h"
 #include "DataPlot.h"
+#include "WidgetTestMain.h"
 
 namespace {
 
@@ -149,5 +150,5 @@ void TestCurveTracker::boxBesideCursorInsideCanvas() {
     QCOMPARE(box.right() < cursor.x(), !boxOnRight);
 }
 
-QTEST_MAIN(TestCurveTracker)
+WIDGET_TEST_MAIN(TestCurveTracker)
 #include "tst_curvetracker.moc"

@@ -10,6 +10,7 @@
 #include "DataPlot.h"
 #include "PlotImages.h"
 #include "TimeScaleDraw.h"
+#include "WidgetTestMain.h"
 
 namespace {
 
@@ -287,5 +288,5 @@ void TestDataPlot::timeLabelsFromOtherBase() {
     QCOMPARE(draw.label(qQNaN()).text(), QString());
 }
 
-QTEST_MAIN(TestDataPlot)
+WIDGET_TEST_MAIN(TestDataPlot)
 #include "tst_dataplot.moc"

@@ -4,6 +4,7 @@
 #include "ModalResponder.h"
 #include "TempSettings.h"
 #include "recoptiondlg.h"
+#include "WidgetTestMain.h"
 
 namespace {
 
@@ -242,5 +243,5 @@ void TestRecOptionDlg::closingStoresNothing() {
                 .isEmpty());
 }
 
-QTEST_MAIN(TestRecOptionDlg)
+WIDGET_TEST_MAIN(TestRecOptionDlg)
 #include "tst_recoptiondlg.moc"

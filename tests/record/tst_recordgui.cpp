@@ -8,6 +8,7 @@
 #include "freespace.h"
 #include "messagebox.h"
 #include "style.h"
+#include "WidgetTestMain.h"
 
 // What the recording shows the user: the error box of a file that cannot be opened, and the
 // free-space status text.
@@ -79,5 +80,5 @@ void TestRecordGui::freeSpaceLabelTurnsRedUnderTenGigabytes() {
     QCOMPARE(label.palette().color(QPalette::WindowText), colour);
 }
 
-QTEST_MAIN(TestRecordGui)
+WIDGET_TEST_MAIN(TestRecordGui)
 #include "tst_recordgui.moc"

@@ -6,6 +6,7 @@
 #include "ui_magcalibdlg.h"
 #include "ui_mainwindow.h"
 #include "ui_recoptiondlg.h"
+#include "WidgetTestMain.h"
 
 namespace {
 
@@ -501,5 +502,5 @@ void TestForms::designerSheetsCanBeReplacedBeforeShow() {
     QCOMPARE(main.HeaderWidget->palette().color(QPalette::Window), QColor(5, 5, 5));
 }
 
-QTEST_MAIN(TestForms)
+WIDGET_TEST_MAIN(TestForms)
 #include "tst_forms.moc"

@@ -5,6 +5,7 @@
 #include "messagebox.h"
 #include "palette.h"
 #include "style.h"
+#include "WidgetTestMain.h"
 
 namespace {
 
@@ -175,5 +176,5 @@ void TestMessageBox::buttonsWearTheAccentColour() {
              qPrintable(clr::toStr(background)));
 }
 
-QTEST_MAIN(TestMessageBox)
+WIDGET_TEST_MAIN(TestMessageBox)
 #include "tst_messagebox.moc"

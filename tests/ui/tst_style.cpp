@@ -4,6 +4,7 @@
 
 #include "palette.h"
 #include "style.h"
+#include "WidgetTestMain.h"
 
 namespace {
 
@@ -455,5 +456,5 @@ void TestStyle::bundledRobotoFontsLoad() {
     }
 }
 
-QTEST_MAIN(TestStyle)
+WIDGET_TEST_MAIN(TestStyle)
 #include "tst_style.moc"
