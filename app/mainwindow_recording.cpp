@@ -23,17 +23,23 @@ void MainWindow::on_toolButton_save_clicked(bool checked) {
         stopRecording();
         return;
     }
-    InputThreadModul* module = inputModule.load();
-    if (module == nullptr || !module->isRunning() || recOptions.saveFolder.isEmpty()) {
+    // The camera's facts are read under the module's lifetime lock: the sampling thread may
+    // release a camera that is pulled out at this very moment.
+    bool running = false;
+    QString model;
+    unsigned serial = 0;
+    withInput([&](InputThreadModul& module) {
+        running = module.isRunning();
+        model = QString::fromLatin1(bw::toString(static_cast<bw::MODEL>(module.getModel())));
+        serial = module.getSerialNum();
+    });
+    if (!running || recOptions.saveFolder.isEmpty()) {
         ui->toolButton_save->setChecked(false);
         return;
     }
     recordDir.setPath(recordingFolder(recOptions.saveFolder));
     printDiskFreeSpace();
-    const QString name = recordingFileName(
-        QDateTime::currentDateTime(),
-        QString::fromLatin1(bw::toString(static_cast<bw::MODEL>(module->getModel()))),
-        module->getSerialNum());
+    const QString name = recordingFileName(QDateTime::currentDateTime(), model, serial);
     // Raised before opening and left raised if the file does not open: rows then find no file.
     recording = true;
     if (!csvWriter.open(recordDir.filePath(name), recOptions)) {
