@@ -211,6 +211,9 @@ ERROR_CODE CameraSession::grab() {
     if (!state->connectedSince(plugCount_)) {
         return CAMERA_NOT_DETECTED;
     }
+    if (state->faults.grabFails) {
+        return FAILURE;
+    }
     // A virtual clock that nobody advanced: no new frame yet, the last one stays.
     if (now >= due) {
         recordFrame(*state, now);

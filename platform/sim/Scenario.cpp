@@ -36,6 +36,7 @@
 //       temp_right          reading the right onboard temperature fails
 //       open                opening the camera fails
 //       gpu_memory          preparing GPU memory after opening fails
+//       grab                grabbing a frame fails (not a camera loss); sensors go on
 //       mcu_open            opening the sensor micro-controller fails
 //       mcu_read            the micro-controller's sample records come back invalid
 //       eeprom_write        writing the magnetometer calibration fails
@@ -91,6 +92,7 @@ constexpr FaultName kFaultSwitches[] = {
     {"temp_right", &Faults::temperatureRightFails},
     {"open", &Faults::openFails},
     {"gpu_memory", &Faults::gpuMemoryFails},
+    {"grab", &Faults::grabFails},
     {"mcu_open", &Faults::mcuOpenFails},
     {"mcu_read", &Faults::mcuReadFails},
     {"eeprom_write", &Faults::eepromWriteFails},

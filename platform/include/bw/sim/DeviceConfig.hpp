@@ -30,6 +30,7 @@ struct Faults {
     bool temperatureRightFails = false;  // location ONBOARD_RIGHT read fails
     bool openFails = false;              // Camera::open answers FAILURE
     bool gpuMemoryFails = false;         // GPU preparation after opening fails
+    bool grabFails = false;              // grab answers FAILURE; sensor records go on
     bool mcuOpenFails = false;           // ORYXmcu::open fails
     bool mcuReadFails = false;           // IMU reader records come back invalid
     bool eepromWriteFails = false;       // writeMagCalibInEEprom answers an error
