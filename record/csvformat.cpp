@@ -39,8 +39,9 @@ char* formatFixed9(char* begin, char* end, double value) {
 }
 
 // The value, then a comma. to_chars needs no locale and no allocation, which matters on the
-// sampling thread.
+// sampling thread. A negative zero is written as zero, as Qt writes it.
 void appendValue(std::string& line, double value) {
+    if (value == 0.0) value = 0.0;
     char buffer[352];  // any double in fixed notation with 10 decimals
     line.append(buffer, formatFixed9(buffer, buffer + sizeof(buffer), value));
     line.push_back(',');
