@@ -1,13 +1,16 @@
 // The chart, the readout and the orientation view of the main window, fed by a simulated camera
 // on a virtual clock.
+#include <qwt_plot_curve.h>
+
+#include <QAbstractButton>
 #include <QtTest>
 
 #include "DataPlot.h"
 #include "OGL3DWidget.h"
 #include "SimulatedCameras.h"
+#include "WidgetTestMain.h"
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
-#include "WidgetTestMain.h"
 
 namespace {
 
@@ -30,6 +33,57 @@ QwtInterval timeAxis(MainWindow& w) {
     return w.form()->widget_chart->axisInterval(QwtPlot::xBottom);
 }
 
+QwtInterval valueAxis(MainWindow& w) {
+    DataPlot* plot = w.form()->widget_chart;
+    plot->updateAxes();  // what the next redraw shows
+    return plot->axisInterval(QwtPlot::yLeft);
+}
+
+// The points the chart holds for one curve, as last handed over.
+QVector<QPointF> pointsOf(MainWindow& w, DataPlot::DataType curve) {
+    const auto* c = static_cast<const QwtPlotCurve*>(
+        w.form()->widget_chart->itemList(QwtPlotItem::Rtti_PlotCurve).at(curve));
+    QVector<QPointF> points;
+    for (size_t i = 0; i < c->dataSize(); ++i) points.append(c->sample(int(i)));
+    return points;
+}
+
+const QVector<double>& seriesNamed(const SensorSeries& s, const QString& name) {
+    static const QMap<QString, QVector<double> SensorSeries::*> byName{
+        {"imuTime", &SensorSeries::imuTime},
+        {"gyroY", &SensorSeries::gyroY},
+        {"magSampleTime", &SensorSeries::magSampleTime},
+        {"magSampleZ", &SensorSeries::magSampleZ},
+        {"baroSampleTime", &SensorSeries::baroSampleTime},
+        {"baroSamplePressure", &SensorSeries::baroSamplePressure},
+        {"tempFallbackTime", &SensorSeries::tempFallbackTime},
+        {"tempSampleLeft", &SensorSeries::tempSampleLeft},
+        {"tempSampleRight", &SensorSeries::tempSampleRight},
+    };
+    return s.*byName.value(name);
+}
+
+// Empty when `points` are the pairs (time[k], value[k]) of one unbroken stretch of the two
+// series, the newest `window` of them as the series stood when the chart took them; otherwise
+// what is wrong.
+QString stretchMismatch(const QVector<QPointF>& points, const QVector<double>& time,
+                        const QVector<double>& value, int window) {
+    if (points.isEmpty()) return "no points";
+    const int k = time.indexOf(points.first().x());
+    if (k < 0) return "the first point's time is not in the time series";
+    if (k + points.size() > std::min(time.size(), value.size())) return "runs past the series";
+    for (int i = 0; i < points.size(); ++i) {
+        if (points[i] != QPointF(time[k + i], value[k + i]))
+            return QString("point %1 is not the series' element %2").arg(i).arg(k + i);
+    }
+    // A stretch that does not start at the first element was cut to the window.
+    if (k > 0 && points.size() != window)
+        return QString("%1 points where the window holds %2").arg(points.size()).arg(window);
+    if (points.size() > window)
+        return QString("%1 points, more than the window").arg(points.size());
+    return {};
+}
+
 }  // namespace
 
 class TestWindowChart : public QObject {
@@ -40,14 +94,33 @@ class TestWindowChart : public QObject {
 
     MainWindow& w() { return *window; }
 
-private slots:
-    void init() {
-        time = std::make_unique<PacedVirtualTime>(
-            std::vector<bw::sim::DeviceConfig>{simulatedCamera(bw::MODEL::ORYX_D)});
+    void openWindowOn(const bw::sim::DeviceConfig& camera) {
+        window.reset();
+        time.reset();
+        time = std::make_unique<PacedVirtualTime>(std::vector<bw::sim::DeviceConfig>{camera});
         window = std::make_unique<MainWindow>();
         window->show();
         QTRY_VERIFY_WITH_TIMEOUT(w().input() != nullptr && w().isSampling(), kTimeoutMs);
     }
+
+    // Clicks the sensor's button and checks, once the chart has been fed a full window, that
+    // `curve` shows the newest stretch of the two series, no more than `window` points.
+    void verifyCurveFeed(const QString& button, DataPlot::DataType curve, const QString& timeName,
+                         const QString& valueName, int window) {
+        w().findChild<QAbstractButton*>(button)->click();
+        // Long enough for the stretch to be cut to the window.
+        QTRY_VERIFY_WITH_TIMEOUT(sampledSeconds(w()) > 12.0, kTimeoutMs);
+        QTRY_VERIFY_WITH_TIMEOUT(pointsOf(w(), curve).size() == window, kTimeoutMs);
+        // The chart is fed under the sample lock: holding it, nothing changes underneath.
+        std::lock_guard<std::mutex> lock(w().sampleMutex());
+        const SensorSeries& s = w().sampleSeries();
+        const QString mismatch = stretchMismatch(pointsOf(w(), curve), seriesNamed(s, timeName),
+                                                 seriesNamed(s, valueName), window);
+        QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));
+    }
+
+private slots:
+    void init() { openWindowOn(simulatedCamera(bw::MODEL::ORYX_D)); }
     void cleanup() {
         window.reset();
         time.reset();
@@ -126,6 +199,88 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(timeAxis(w()).minValue() > first + 2.0, kTimeoutMs);
         axis = timeAxis(w());
         QVERIFY(qAbs(axis.width() - 5.0) < 1e-6);
+    }
+
+    // Ten seconds ("Last 10 sec" when a camera opens) of each sensor's own series: IMU-rate
+    // sensors with 30 % more samples than the window needs, the others from their event series.
+    void eachSensorIsDrawnFromItsOwnSeries_data() {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<int>("curve");
+        QTest::addColumn<QString>("timeSeries");
+        QTest::addColumn<QString>("valueSeries");
+        QTest::addColumn<int>("window");
+        QTest::newRow("gyroscope") << "pushButton_gyro" << int(DataPlot::GYR_Y) << "imuTime"
+                                   << "gyroY" << 5200;
+        QTest::newRow("magnetometer") << "pushButton_mag" << int(DataPlot::MAG_Z) << "magSampleTime"
+                                      << "magSampleZ" << 500;
+        QTest::newRow("barometer")
+            << "pushButton_baro" << int(DataPlot::REL_ALTITUDE) << "baroSampleTime"
+            << "baroSamplePressure" << 250;
+        // Handed the pressure too, on purpose; hidden while the barometer is shown.
+        QTest::newRow("barometer's hidden temperature curve")
+            << "pushButton_baro" << int(DataPlot::TEMP_LEFT) << "baroSampleTime"
+            << "baroSamplePressure" << 250;
+        QTest::newRow("temperature left")
+            << "pushButton_temper" << int(DataPlot::TEMP_LEFT) << "baroSampleTime"
+            << "tempSampleLeft" << 250;
+        QTest::newRow("temperature right")
+            << "pushButton_temper" << int(DataPlot::TEMP_RIGHT) << "baroSampleTime"
+            << "tempSampleRight" << 250;
+    }
+    void eachSensorIsDrawnFromItsOwnSeries() {
+        QFETCH(QString, button);
+        QFETCH(int, curve);
+        QFETCH(QString, timeSeries);
+        QFETCH(QString, valueSeries);
+        QFETCH(int, window);
+        verifyCurveFeed(button, DataPlot::DataType(curve), timeSeries, valueSeries, window);
+    }
+
+    // Without a barometer, and without the onboard temperatures, the IMU's temperature is
+    // sampled with every IMU sample.
+    void withoutABarometerTemperaturesFollowTheImu() {
+        bw::sim::DeviceConfig camera = simulatedCamera(bw::MODEL::ORYX_E);
+        camera.faults.temperatureLeftFails = true;
+        openWindowOn(camera);
+        verifyCurveFeed("pushButton_temper", DataPlot::TEMP_RIGHT, "tempFallbackTime",
+                        "tempSampleRight", 4000);
+    }
+
+    // A chosen sensor's axis has a margin of a tenth of its range; every update then gives it
+    // five hundredths. Barometer and temperature span their running minimum and maximum.
+    void theValueAxisFollowsTheSensorsRange_data() {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<bool>("symmetric");
+        QTest::newRow("accelerometer") << "pushButton_accel" << true;
+        QTest::newRow("gyroscope") << "pushButton_gyro" << true;
+        QTest::newRow("barometer") << "pushButton_baro" << false;
+        QTest::newRow("temperature") << "pushButton_temper" << false;
+    }
+    void theValueAxisFollowsTheSensorsRange() {
+        QFETCH(QString, button);
+        QFETCH(bool, symmetric);
+        const SensorLevels& l = w().sampleLevels();
+        const auto expected = [&](double margin) {
+            if (button == "pushButton_accel")
+                return QwtInterval(-margin * l.accRange, margin * l.accRange);
+            if (button == "pushButton_gyro")
+                return QwtInterval(-margin * l.gyroRange, margin * l.gyroRange);
+            if (button == "pushButton_baro") return QwtInterval(l.pressureMin, l.pressureMax);
+            return QwtInterval(l.temperatureMin, l.temperatureMax);
+        };
+        const auto near = [](const QwtInterval& a, const QwtInterval& b) {
+            return qAbs(a.minValue() - b.minValue()) < 1e-3 &&
+                   qAbs(a.maxValue() - b.maxValue()) < 1e-3;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(sampledSeconds(w()) > 1.0, kTimeoutMs);
+        // No update runs between the click and the look: the GUI thread is ours.
+        w().findChild<QAbstractButton*>(button)->click();
+        const QwtInterval chosen = valueAxis(w());
+        QVERIFY2(near(chosen, expected(1.1)),
+                 qPrintable(QString("%1..%2").arg(chosen.minValue()).arg(chosen.maxValue())));
+        // The ranges may still grow while the camera runs: the axis follows them.
+        QTRY_VERIFY_WITH_TIMEOUT(near(valueAxis(w()), expected(symmetric ? 1.05 : 1.0)),
+                                 kTimeoutMs);
     }
 
     void aLongWindowRedrawsLessOften() {

@@ -9,9 +9,9 @@
 
 #include "MessageBoxWatcher.h"
 #include "SimulatedCameras.h"
+#include "WidgetTestMain.h"
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
-#include "WidgetTestMain.h"
 
 namespace {
 
@@ -64,7 +64,20 @@ int sampledRows(MainWindow& w) {
 
 int threadCount() { return QDir(QStringLiteral("/proc/self/task")).count() - 2; }
 
-unsigned serialOf(MODEL model) { return bw::sim::DeviceConfig::defaultSerial(model, 0); }
+unsigned serialOf(MODEL model, int index = 0) {
+    return bw::sim::DeviceConfig::defaultSerial(model, index);
+}
+
+QStringList listed(MainWindow& w) {
+    QStringList items;
+    for (int i = 0; i < w.form()->comboBox_camera_list->count(); ++i)
+        items << w.form()->comboBox_camera_list->itemText(i);
+    return items;
+}
+
+QString item(MODEL model, int index) {
+    return QStringLiteral("%1 - %2").arg(bw::toString(model)).arg(serialOf(model, index));
+}
 
 }  // namespace
 
@@ -272,6 +285,54 @@ private slots:
         QVERIFY(w.input() == nullptr);
         const auto devices = bw::Camera::getDeviceList();
         QCOMPARE(devices.size(), size_t(1));
+        QVERIFY(devices[0].camera_state == bw::CAMERA_STATE::AVAILABLE);
+    }
+
+    // Stereo cameras are listed before single-sensor ones, whatever order the bus has them in,
+    // and the first listed is the one that opens.
+    void theFirstListedCameraOpensAndStereoCamerasComeFirst() {
+        PacedVirtualTime time({simulatedCamera(MODEL::ORYX_SOLO_A, 0),
+                               simulatedCamera(MODEL::ORYX_E, 1),
+                               simulatedCamera(MODEL::ORYX_C, 2)});
+        MainWindow w;
+        w.show();
+        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        QCOMPARE(listed(w), (QStringList{item(MODEL::ORYX_E, 1), item(MODEL::ORYX_C, 2),
+                                         item(MODEL::ORYX_SOLO_A, 0)}));
+        QCOMPARE(w.input()->getModel(), unsigned(MODEL::ORYX_E));
+        QCOMPARE(w.form()->comboBox_camera_list->currentIndex(), 0);
+    }
+
+    // Choosing another camera opens it with the time range back at ten seconds. Rebuilding the
+    // list (refresh) changes its selection on the way, which must not reopen anything.
+    void choosingAnotherCameraOpensItAndRebuildingTheListDoesNot() {
+        PacedVirtualTime time(
+            {simulatedCamera(MODEL::ORYX_D, 0), simulatedCamera(MODEL::ORYX_C, 1)});
+        MainWindow w;
+        w.show();
+        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        QCOMPARE(w.input()->getSerialNum(), serialOf(MODEL::ORYX_D, 0));
+        auto* range = w.form()->comboBox_time_range;
+        QCOMPARE(range->currentText(), QStringLiteral("Last 10 sec"));
+        QCOMPARE(range->count(), 4);
+        range->setCurrentIndex(3);
+
+        InputThreadModul* first = w.input();
+        w.form()->pushButton_refresh_list->click();
+        QCOMPARE(w.input(), first);
+        QCOMPARE(range->currentText(), QStringLiteral("Last 60 sec"));
+        // The open camera first, then what the last poll found.
+        const QStringList items = listed(w);
+        QCOMPARE(items.first(), item(MODEL::ORYX_D, 0));
+        QVERIFY2(items.contains(item(MODEL::ORYX_C, 1)), qPrintable(items.join(", ")));
+
+        w.form()->comboBox_camera_list->setCurrentIndex(items.indexOf(item(MODEL::ORYX_C, 1)));
+        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        QCOMPARE(w.input()->getSerialNum(), serialOf(MODEL::ORYX_C, 1));
+        QCOMPARE(range->currentText(), QStringLiteral("Last 10 sec"));
+        // The first camera was let go.
+        const auto devices = bw::Camera::getDeviceList();
+        QCOMPARE(devices.size(), size_t(2));
         QVERIFY(devices[0].camera_state == bw::CAMERA_STATE::AVAILABLE);
     }
 

@@ -7,9 +7,9 @@
 
 #include "MessageBoxWatcher.h"
 #include "SimulatedCameras.h"
+#include "WidgetTestMain.h"
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
-#include "WidgetTestMain.h"
 
 namespace {
 
@@ -137,6 +137,70 @@ private slots:
         QVERIFY(r.indexes.size() > 50);
         // At 400 rows per second every sample is written: consecutive indexes.
         for (int n = 1; n < r.indexes.size(); ++n) QCOMPARE(r.indexes[n], r.indexes[n - 1] + 1);
+    }
+
+    // Every column of a recording with every group holds what the window sampled at the row's
+    // index, to the nine decimals written.
+    void eachColumnHoldsItsSeries() {
+        PacedVirtualTime time({simulatedCamera(bw::MODEL::ORYX_D)});
+        MainWindow w;
+        w.show();
+        QTRY_VERIFY_WITH_TIMEOUT(w.isSampling(), kTimeoutMs);
+        w.recordingOptions().saveFolder = recordings.path();
+        w.recordingOptions().sampleFreq = 50;
+        w.form()->toolButton_save->click();
+        const QString path = w.recordingPath();
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(path).size() > 20000, kTimeoutMs);
+        w.form()->toolButton_save->click();
+
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QStringList lines = QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts);
+        QStringList header = lines.first().split(',');
+        for (QString& name : header) name = name.trimmed();  // "moving, " has its blank
+        const QMap<QString, QVector<double> SensorSeries::*> columns{
+            {"imu_Timestamp[sec]", &SensorSeries::imuTime},
+            {"mag_Timestamp[sec]", &SensorSeries::magTime},
+            {"baro_Timestamp[sec]", &SensorSeries::baroTime},
+            {"accX[m/s^2]", &SensorSeries::accX},
+            {"accY[m/s^2]", &SensorSeries::accY},
+            {"accZ[m/s^2]", &SensorSeries::accZ},
+            {"gyroX[deg/s]", &SensorSeries::gyroX},
+            {"gyroY[deg/s]", &SensorSeries::gyroY},
+            {"gyroZ[deg/s]", &SensorSeries::gyroZ},
+            {"magX[uT]", &SensorSeries::magX},
+            {"magY[uT]", &SensorSeries::magY},
+            {"magZ[uT]", &SensorSeries::magZ},
+            {"orX[deg]", &SensorSeries::orientX},
+            {"orY[deg]", &SensorSeries::orientY},
+            {"orZ[deg]", &SensorSeries::orientZ},
+            {"press[hPa]", &SensorSeries::pressure},
+            {"rel_alt[m]", &SensorSeries::altitude},
+            {"moving", &SensorSeries::movingState},
+            {"temp_left[C]", &SensorSeries::tempLeft},
+            {"temp_right[C]", &SensorSeries::tempRight},
+        };
+        // Every group's columns, each series once; the IMU and barometer temperatures are read
+        // from the camera when the row is written, not kept in a series.
+        for (const QString& name : columns.keys())
+            QVERIFY2(header.contains(name), qPrintable(name));
+        QVERIFY(header.contains("temp_imu[C]") && header.contains("temp_barom[C]"));
+        QVERIFY(lines.size() > 50);
+
+        std::lock_guard<std::mutex> lock(w.sampleMutex());
+        const SensorSeries& s = w.sampleSeries();
+        for (int n = 1; n < lines.size(); ++n) {
+            const QStringList fields = lines[n].split(',');
+            const int row = fields[0].toInt();
+            for (int c = 1; c < header.size(); ++c) {
+                const auto series = columns.value(header[c]);
+                if (series == nullptr) continue;
+                const QString want = QString::number((s.*series)[row], 'f', 9);
+                QVERIFY2(fields[c] == want, qPrintable(QString("line %1, %2: %3, sampled %4")
+                                                           .arg(n)
+                                                           .arg(header[c], fields[c], want)));
+            }
+        }
     }
 
     void lowDiskSpaceIsShownInRed() {
