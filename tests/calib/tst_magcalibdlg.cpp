@@ -12,7 +12,7 @@
 #include <cmath>
 #include <memory>
 
-#include "CalibBoxWatcher.h"
+#include "MessageBoxWatcher.h"
 #include "SensorTimeline.hpp"
 #include "WidgetTestMain.h"
 #include "magcalibdlg.h"
@@ -162,7 +162,7 @@ private slots:
     void calibrationOfATumblingCameraIsStoredAndApplied() {
         const DeviceConfig config = tumblingD();
         Sim sim({config});
-        CalibBoxWatcher boxes({"Ok"});
+        MessageBoxWatcher boxes({"Ok"});
         MagCalibDlg dlg(int(kSerial), nullptr);
         dlg.show();
         QVERIFY(dlg.isGrabbing());
@@ -287,7 +287,7 @@ private slots:
         const float scale[3] = {0.9f, 1.1f, 1.2f};
         const float offset[3] = {5.f, -6.f, 7.f};
         writeEeprom(kSerial, scale, offset);
-        CalibBoxWatcher boxes({"No"});
+        MessageBoxWatcher boxes({"No"});
         MagCalibDlg dlg(int(kSerial), nullptr);
         dlg.show();
         // The stored calibration is loaded into the dialog's axes.
@@ -334,7 +334,7 @@ private slots:
 
     void storeIsCancelledByCancel() {
         Sim sim({tumblingD()});
-        CalibBoxWatcher boxes({"Cancel"});
+        MessageBoxWatcher boxes({"Cancel"});
         MagCalibDlg dlg(int(kSerial), nullptr);
         dlg.show();
         child<QPushButton>(dlg, "pushButton_save_calib")->click();
@@ -357,7 +357,7 @@ private slots:
         QFETCH(bool, succeeds);
         QFETCH(int, badReadsLeft);
         Sim sim({tumblingD()});
-        CalibBoxWatcher boxes({"Ok"});
+        MessageBoxWatcher boxes({"Ok"});
         MagCalibDlg dlg(int(kSerial), nullptr);
         dlg.show();
         bw::sim::Faults f;
@@ -375,7 +375,7 @@ private slots:
 
     void storeWriteFailure() {
         Sim sim({tumblingD()});
-        CalibBoxWatcher boxes({"Ok", "Yes"});
+        MessageBoxWatcher boxes({"Ok", "Yes"});
         MagCalibDlg dlg(int(kSerial), nullptr);
         dlg.show();
         bw::sim::Faults f;
@@ -412,7 +412,7 @@ private slots:
         QFETCH(int, asked);
         Sim sim({tumblingD(MODEL(model), serial)});
         sim.allowUntil(5 * kSecond);
-        CalibBoxWatcher boxes({"Ok"});
+        MessageBoxWatcher boxes({"Ok"});
         MagCalibDlg dlg(asked, nullptr);
         dlg.show();
         QVERIFY(!dlg.isGrabbing());
@@ -437,7 +437,7 @@ private slots:
     void productIdZeroIsDerivedFromTheSerial() {
         Sim sim({tumblingD()});
         Bus::instance().setHidProductIdZero(kSerial, true);
-        CalibBoxWatcher boxes({"Ok"});
+        MessageBoxWatcher boxes({"Ok"});
         MagCalibDlg dlg(int(kSerial), nullptr);
         dlg.show();
         QVERIFY(dlg.isGrabbing());
@@ -450,7 +450,7 @@ private slots:
         bw::sim::Faults f;
         f.mcuOpenFails = true;
         sim.setFaults(f);
-        CalibBoxWatcher boxes({"Ok"});
+        MessageBoxWatcher boxes({"Ok"});
         MagCalibDlg dlg(int(kSerial), nullptr);
         dlg.show();
         QVERIFY(!dlg.isGrabbing());
@@ -462,7 +462,7 @@ private slots:
 
     void readFailuresEndTheGrabThread() {
         Sim sim({tumblingD()});
-        CalibBoxWatcher boxes({"Ok"});
+        MessageBoxWatcher boxes({"Ok"});
         MagCalibDlg dlg(int(kSerial), nullptr);
         dlg.show();
         QVERIFY(dlg.isGrabbing());
@@ -491,7 +491,7 @@ private slots:
 
     void exitAsksWhileACalibrationIsUnstored() {
         Sim sim({tumblingD()});
-        CalibBoxWatcher boxes({"Ok"});
+        MessageBoxWatcher boxes({"Ok"});
         MagCalibDlg dlg(int(kSerial), nullptr);
         dlg.show();
         collect(dlg, sim, 4 * kSecond, 150);
@@ -522,7 +522,7 @@ private slots:
 
     void refitsOnlyAfterAHundredSamplesAndThenEveryFifty() {
         Sim sim({tumblingD()});
-        CalibBoxWatcher boxes({"Ok"});
+        MessageBoxWatcher boxes({"Ok"});
         MagCalibDlg dlg(int(kSerial), nullptr);
         dlg.show();
         // About 75 samples at most: however many timer ticks pass, none refits.
@@ -550,7 +550,7 @@ private slots:
 
     void clearDataEmptiesTheSetAndForgetsTheFit() {
         Sim sim({tumblingD()});
-        CalibBoxWatcher boxes({"Ok"});
+        MessageBoxWatcher boxes({"Ok"});
         MagCalibDlg dlg(int(kSerial), nullptr);
         dlg.show();
         collect(dlg, sim, 4 * kSecond, 150);

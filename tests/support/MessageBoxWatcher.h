@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <QPointer>
+#include <QStringList>
 #include <QTimer>
 #include <QVector>
 
@@ -15,17 +16,25 @@ struct ShownMessage {
     QString text;
     QMessageBox::Icon icon = QMessageBox::NoIcon;
     QStringList buttons;
+    QString clicked;  // empty when none of the answers was offered
 };
 
 class MessageBoxWatcher : public QObject {
 public:
-    // Clicks the button whose text is `answer` on every box that appears.
-    explicit MessageBoxWatcher(QString answer = QStringLiteral("Ok")) : answer_(std::move(answer)) {
+    // Each box is answered with the first of `answers` that it offers.
+    explicit MessageBoxWatcher(QStringList answers = {QStringLiteral("Ok")})
+        : answers_(std::move(answers)) {
         connect(&poll_, &QTimer::timeout, this, &MessageBoxWatcher::answerOpenBoxes);
         poll_.start(10);
     }
 
+    void setAnswers(const QStringList& answers) { answers_ = answers; }
     const QVector<ShownMessage>& shown() const { return shown_; }
+    int count(const QString& text) const {
+        int n = 0;
+        for (const ShownMessage& box : shown_) n += box.text == text;
+        return n;
+    }
 
 private:
     void answerOpenBoxes() {
@@ -35,18 +44,23 @@ private:
                 answered_.contains(box))
                 continue;
             answered_.append(box);
-            ShownMessage message{box->windowTitle(), box->text(), box->icon(), {}};
-            QAbstractButton* chosen = nullptr;
-            for (QAbstractButton* button : box->buttons()) {
-                message.buttons << button->text();
-                if (button->text() == answer_) chosen = button;
-            }
+            ShownMessage message{box->windowTitle(), box->text(), box->icon(), {}, {}};
+            for (QAbstractButton* button : box->buttons()) message.buttons << button->text();
+            QAbstractButton* chosen = answerAmong(box->buttons());
+            if (chosen != nullptr) message.clicked = chosen->text();
             shown_.append(message);
             if (chosen != nullptr) chosen->click();
         }
     }
 
-    QString answer_;
+    QAbstractButton* answerAmong(const QList<QAbstractButton*>& buttons) const {
+        for (const QString& answer : answers_)
+            for (QAbstractButton* button : buttons)
+                if (button->text() == answer) return button;
+        return nullptr;
+    }
+
+    QStringList answers_;
     QTimer poll_;
     QVector<ShownMessage> shown_;
     QVector<QPointer<QMessageBox>> answered_;
