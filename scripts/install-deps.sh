@@ -11,10 +11,13 @@ PACKAGES=(
     xvfb xauth libgl1-mesa-dri mesa-utils fonts-roboto-unhinted
 )
 
+# One line per installed architecture of a package (several once another architecture, e.g.
+# arm64 for tools/build-arm64.sh, is added): the machine's own or "all" must be installed.
+native=$(dpkg --print-architecture)
 missing=()
 for pkg in "${PACKAGES[@]}"; do
-    status=$(dpkg-query -W -f='${db:Status-Status}' "$pkg" 2>/dev/null || true)
-    if [[ "$status" != "installed" ]]; then
+    status=$(dpkg-query -W -f='${db:Status-Status} ${Architecture}\n' "$pkg" 2>/dev/null || true)
+    if ! grep -qxE "installed ($native|all)" <<<"$status"; then
         missing+=("$pkg")
     fi
 done
