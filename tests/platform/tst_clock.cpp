@@ -48,27 +48,19 @@ class ClockTest : public QObject {
 private slots:
     void cleanup() { Clock::useRealTime(); }
 
-    void virtualTimeStandsStillUntilAdvanced() {
+    void virtualTimeMovesOnlyForwardAndWhenTold() {
         VirtualTimeScope scope(kStart);
         QVERIFY(Clock::isVirtual());
-        QCOMPARE(Clock::nowNs(), kStart);
         std::this_thread::sleep_for(10ms);
         QCOMPARE(Clock::nowNs(), kStart);
-
         Clock::advanceBy(2'500'000);
         QCOMPARE(Clock::nowNs(), kStart + 2'500'000);
         Clock::advanceTo(kStart + 10'000'000);
-        QCOMPARE(Clock::nowNs(), kStart + 10'000'000);
-    }
-
-    void virtualTimeNeverRunsBackwards() {
-        VirtualTimeScope scope(kStart + 1000);
         Clock::advanceTo(kStart);
-        QCOMPARE(Clock::nowNs(), kStart + 1000);
+        QCOMPARE(Clock::nowNs(), kStart + 10'000'000);
         // A waiter for a moment already past gets the current time, not its target.
         Clock::setAutoAdvanceLimit(UINT64_MAX);
-        QCOMPARE(Clock::waitUntil(kStart + 500, kForever), kStart + 1000);
-        QCOMPARE(Clock::nowNs(), kStart + 1000);
+        QCOMPARE(Clock::waitUntil(kStart + 500, kForever), kStart + 10'000'000);
     }
 
     void advanceWakesBlockedWaiters() {
@@ -132,15 +124,15 @@ private slots:
         Clock::useRealTime();
         const std::uint64_t before = systemNowNs();
         std::uint64_t previous = Clock::nowNs();
-        for (int i = 0; i < 100'000; ++i) {
+        for (int i = 0; i < 10'000; ++i) {
             const std::uint64_t now = Clock::nowNs();
             QVERIFY(now >= previous);
             previous = now;
         }
-        // Epoch based: within a minute of the wall clock, whatever the machine's speed.
+        // Epoch based: within a minute of the wall clock, whatever the machine's speed. Real
+        // time cannot be pushed on.
         const std::uint64_t minute = 60'000'000'000ull;
         QVERIFY(previous + minute > before && previous < systemNowNs() + minute);
-        // Real time cannot be pushed on.
         Clock::advanceTo(previous + minute);
         QVERIFY(Clock::nowNs() < previous + minute);
     }
