@@ -34,13 +34,10 @@ private slots:
         QTest::addColumn<int>("count");
         QTest::addColumn<int>("period");
         QTest::newRow("5 s at 400 Hz") << 2600 << 25;
-        QTest::newRow("60 s at 400 Hz") << 31200 << 62;
         QTest::newRow("last at 25 ms") << 12499 << 25;
         QTest::newRow("first proportional") << 12500 << 25;
-        QTest::newRow("proportional") << 100000 << 200;
         QTest::newRow("last proportional") << 249999 << 499;
         QTest::newRow("capped") << 250000 << 500;
-        QTest::newRow("huge") << 10000000 << 500;
     }
     void redrawSlowsDownWithMorePoints() {
         QFETCH(int, count);
@@ -66,10 +63,8 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("seconds");
         QTest::newRow("5 sec") << "Last 5 sec" << 5;
-        QTest::newRow("60 sec") << "Last 60 sec" << 60;
         QTest::newRow("minutes") << "Last 2 min" << 120;
         QTest::newRow("hours") << "Last 1 hours" << 3600;
-        QTest::newRow("no unit") << "Last 10" << 10;
         QTest::newRow("unknown unit") << "Last 7 fortnights" << 7;
         QTest::newRow("unit case matters") << "Last 3 MIN" << 3;
         QTest::newRow("empty") << "" << -1;

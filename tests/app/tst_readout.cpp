@@ -48,64 +48,32 @@ private slots:
         QCOMPARE(rateText(nominal, effective), text);
     }
 
+    // The three fields and the rate label of each sensor, separated by "|".
     void fieldTexts_data() {
         QTest::addColumn<QString>("sensor");
-        QTest::addColumn<QString>("field0");
-        QTest::addColumn<QString>("field1");
-        QTest::addColumn<QString>("field2");
-        QTest::addColumn<QString>("rate");
-        QTest::newRow("accelerometer") << "Accelerometer"
-                                       << "X 9.810 m/s²"
-                                       << "Y 0.500 m/s²"
-                                       << "Z -0.250 m/s²"
-                                       << "400 Hz";
-        QTest::newRow("unknown reads as accelerometer") << "Sonar"
-                                                        << "X 9.810 m/s²"
-                                                        << "Y 0.500 m/s²"
-                                                        << "Z -0.250 m/s²"
-                                                        << "400 Hz";
-        QTest::newRow("gyroscope") << "Gyroscope"
-                                   << "X 1.500 °/s"
-                                   << "Y -12.345 °/s"
-                                   << "Z 0.000 °/s"
-                                   << "400 Hz";
-        QTest::newRow("magnetometer") << "Magnetometer"
-                                      << "X 21.000 µT"
-                                      << "Y -3.063 µT"
-                                      << "Z -42.500 µT"
-                                      << "50 Hz";
-        QTest::newRow("orientation") << "Orientation"
-                                     << "X -179.500°"
-                                     << "Y 0.001°"
-                                     << "Z 45.000°"
-                                     << "400 Hz";
-        QTest::newRow("barometer") << "Barometer"
-                                   << "Atmospheric Pressure 1013.25 hPa"
-                                   << ""
-                                   << ""
-                                   << "25 Hz";
+        QTest::addColumn<QString>("texts");
+        const auto row = [](const char* sensor, const char* texts) {
+            QTest::newRow(sensor) << QString(sensor) << QString::fromUtf8(texts);
+        };
+        row("Accelerometer", "X 9.810 m/s²|Y 0.500 m/s²|Z -0.250 m/s²|400 Hz");
+        row("Sonar", "X 9.810 m/s²|Y 0.500 m/s²|Z -0.250 m/s²|400 Hz");  // reads as accelerometer
+        row("Gyroscope", "X 1.500 °/s|Y -12.345 °/s|Z 0.000 °/s|400 Hz");
+        row("Magnetometer", "X 21.000 µT|Y -3.063 µT|Z -42.500 µT|50 Hz");
+        row("Orientation", "X -179.500°|Y 0.001°|Z 45.000°|400 Hz");
+        row("Barometer", "Atmospheric Pressure 1013.25 hPa|||25 Hz");
         // Crossed on purpose: "Right" shows the left sensor.
-        QTest::newRow("temperature") << "Camera Temperature"
-                                     << "Right 41.26°C"
-                                     << "Left 7.00°C"
-                                     << ""
-                                     << "25 Hz";
+        row("Camera Temperature", "Right 41.26°C|Left 7.00°C||25 Hz");
     }
+
     void fieldTexts() {
         QFETCH(QString, sensor);
-        QFETCH(QString, field0);
-        QFETCH(QString, field1);
-        QFETCH(QString, field2);
-        QFETCH(QString, rate);
+        QFETCH(QString, texts);
         SensorLevels levels;
         levels.imuEffectiveRate = 400.4;
         levels.magEffectiveRate = 49.7;
         levels.baroEffectiveRate = 25.2;
         const SensorReadout r = readoutFor(sensor, oneRow(), levels);
-        QCOMPARE(r.fields[0], field0);
-        QCOMPARE(r.fields[1], field1);
-        QCOMPARE(r.fields[2], field2);
-        QCOMPARE(r.rate, rate);
+        QCOMPARE(QStringList({r.fields[0], r.fields[1], r.fields[2], r.rate}).join('|'), texts);
     }
 
     void narrowValuesArePaddedToTheFieldWidth() {
