@@ -12,9 +12,22 @@
 
 #include "MotionModel.hpp"
 #include "SensorTimeline.hpp"
-#include "TestTolerance.hpp"
 
 using namespace bw::sim;
+
+// |actual - expected| <= tolerance, and actual < limit, printing the values when they fail.
+#define VERIFY_NEAR(actual, expected, tolerance)                               \
+    QVERIFY2(std::abs(double(actual) - double(expected)) <= double(tolerance), \
+             qPrintable(QString("%1 is %2, expected %3 within %4")             \
+                            .arg(#actual)                                      \
+                            .arg(double(actual), 0, 'g', 12)                   \
+                            .arg(double(expected), 0, 'g', 12)                 \
+                            .arg(double(tolerance))))
+#define VERIFY_BELOW(actual, limit)                                                             \
+    QVERIFY2(double(actual) < double(limit), qPrintable(QString("%1 is %2, must stay below %3") \
+                                                            .arg(#actual)                       \
+                                                            .arg(double(actual), 0, 'g', 12)    \
+                                                            .arg(double(limit))))
 
 namespace {
 
