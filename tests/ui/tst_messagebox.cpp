@@ -7,43 +7,25 @@
 
 namespace {
 
-// Waits (inside the message box's own event loop) for the box to appear, then hands it to
-// `answer`. Stops polling once it has answered.
-class Responder : public QObject {
-public:
-    explicit Responder(std::function<void(QMessageBox*)> answer) : answer(std::move(answer)) {
-        timer.setInterval(10);
-        connect(&timer, &QTimer::timeout, this, &Responder::poll);
-        timer.start();
-    }
-    bool answered() const { return done; }
-
-private:
-    void poll() {
-        for (QWidget* widget : QApplication::topLevelWidgets()) {
-            auto* box = qobject_cast<QMessageBox*>(widget);
-            if (box && box->isVisible() && box->objectName() == kMessageBoxObjectName) {
-                timer.stop();
-                done = true;
-                answer(box);
-                return;
+// Hands the box, once it shows, to `answer`, from inside the box's own event loop.
+struct Responder {
+    explicit Responder(std::function<void(QMessageBox*)> answer) {
+        timer.callOnTimeout([this, answer] {
+            for (QWidget* widget : QApplication::topLevelWidgets()) {
+                auto* box = qobject_cast<QMessageBox*>(widget);
+                if (!answered && box && box->isVisible() &&
+                    box->objectName() == kMessageBoxObjectName) {
+                    answered = true;
+                    timer.stop();
+                    answer(box);
+                }
             }
-        }
+        });
+        timer.start(10);
     }
-
-    std::function<void(QMessageBox*)> answer;
     QTimer timer;
-    bool done = false;
+    bool answered = false;
 };
-
-QAbstractButton* buttonWithText(QMessageBox* box, const QString& text) {
-    for (QAbstractButton* button : box->buttons()) {
-        if (button->text() == text) {
-            return button;
-        }
-    }
-    return nullptr;
-}
 
 // Button texts from left to right as shown.
 QStringList shownOrder(QMessageBox* box) {
@@ -52,9 +34,7 @@ QStringList shownOrder(QMessageBox* box) {
         return a->mapToGlobal(QPoint()).x() < b->mapToGlobal(QPoint()).x();
     });
     QStringList texts;
-    for (QAbstractButton* button : buttons) {
-        texts << button->text();
-    }
+    for (QAbstractButton* button : buttons) texts << button->text();
     return texts;
 }
 
@@ -91,13 +71,13 @@ private slots:
                 QTest::keyClick(box, Qt::Key_Return);
                 return;
             }
-            QAbstractButton* button = buttonWithText(box, click);
-            QVERIFY(button);
-            QTest::mouseClick(button, Qt::LeftButton);
+            for (QAbstractButton* button : box->buttons()) {
+                if (button->text() == click) QTest::mouseClick(button, Qt::LeftButton);
+            }
         });
         const int result =
             showMessage(&parent, style, QMessageBox::Question, "Question", "Proceed?", buttons);
-        QVERIFY(responder.answered());
+        QVERIFY(responder.answered);
         QCOMPARE(order, buttons);
         QCOMPARE(result, index);
     }
@@ -119,7 +99,7 @@ private slots:
             QTest::keyClick(box, Qt::Key_Escape);
         });
         const int result = showMessage(&parent, style, QMessageBox::Critical, "Error", "Careful");
-        QVERIFY(responder.answered());
+        QVERIFY(responder.answered);
         QCOMPARE(texts, QStringList{"Ok"});
         QCOMPARE(result, 0);
         QCOMPARE(title, QString("Error"));
@@ -133,7 +113,7 @@ private slots:
         Responder responder([](QMessageBox* box) { box->reject(); });
         const int result = showMessage(nullptr, style, QMessageBox::Information, "Info", "Text",
                                        {"Save", "Discard"});
-        QVERIFY(responder.answered());
+        QVERIFY(responder.answered);
         QCOMPARE(result, -1);
     }
 
@@ -147,7 +127,7 @@ private slots:
             button->click();
         });
         showMessage(nullptr, style, QMessageBox::Information, "Info", "Text");
-        QVERIFY(responder.answered());
+        QVERIFY(responder.answered);
         const QColor lime(217, 255, 66);
         QVERIFY2(qAbs(background.red() - lime.red()) < 8 &&
                      qAbs(background.green() - lime.green()) < 8 &&
