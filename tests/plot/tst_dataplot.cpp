@@ -82,13 +82,6 @@ class TestDataPlot : public QObject {
     Q_OBJECT
 
 private slots:
-    void startsWithAccelerometerOverTenSeconds() {
-        DataPlot plot;
-        QCOMPARE(visibleCurveTitles(plot), QStringList({"Acc. X", "Acc. Y", "Acc. Z"}));
-        QCOMPARE(plot.axisScaleDiv(QwtPlot::xBottom).lowerBound(), 0.0);
-        QCOMPARE(plot.axisScaleDiv(QwtPlot::xBottom).upperBound(), 10.0);
-    }
-
     void sensorTypeShowsItsCurvesAndTitle_data() {
         QTest::addColumn<int>("type");
         QTest::addColumn<QString>("axisTitle");
