@@ -208,18 +208,6 @@ private slots:
 
     // ---- CameraGL ----------------------------------------------------------------------------
 
-    void projectionEntries() {
-        CameraGL cam(bw::Translation(0, 0, 0), bw::Translation(0, 0, -1), bw::Translation(0, 1, 0));
-        cam.setProjection(60, 40, 0.05f, 300);
-        const bw::Transform& p = cam.getProjection();
-        QVERIFY(near(p(0, 0), float(1 / std::tan(M_PI / 6))));
-        QVERIFY(near(p(1, 1), float(1 / std::tan(M_PI / 9))));
-        QVERIFY(near(p(2, 2), -300.f / 299.95f, 1e-6f));
-        QVERIFY(near(p(2, 3), -15.f / 299.95f, 1e-7f));
-        QCOMPARE(p(3, 2), -1.f);
-        QCOMPARE(p(3, 3), 0.f);
-    }
-
     void directionCases() {
         CameraGL cam(bw::Translation(0, 0, 0), bw::Translation(0, 0, -1), bw::Translation(0, 1, 0));
         QVERIFY(sameVec(cam.getForward(), bw::Translation(0, 0, 1)));
