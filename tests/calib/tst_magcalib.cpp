@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "mag_calib.h"
+#include "orientcount.h"
 
 namespace {
 
@@ -53,14 +54,14 @@ void verifyDiagonalCorrection(const MagCalib& calib) {
     }
 }
 
-// Largest | |(p - offset) * scale| - 1 | over the cloud.
-double sphereDeviation(const MagCalib& calib, const Cloud& cloud) {
+// Largest | |(p - offset) * scale| - field | over the cloud.
+double sphereDeviation(const MagCalib& calib, const Cloud& cloud, double field = 1.0) {
     double worst = 0.0;
     for (Eigen::Index i = 0; i < cloud.x.size(); ++i) {
         const Eigen::Vector3d corrected((cloud.x(i) - calib.offset[0]) * calib.scale[0],
                                         (cloud.y(i) - calib.offset[1]) * calib.scale[1],
                                         (cloud.z(i) - calib.offset[2]) * calib.scale[2]);
-        worst = std::max(worst, std::abs(corrected.norm() - 1.0));
+        worst = std::max(worst, std::abs(corrected.norm() - field));
     }
     return worst;
 }
@@ -73,37 +74,41 @@ class TestMagCalib : public QObject {
     Q_OBJECT
 
 private slots:
-    // Six unknowns: six samples already fit exactly.
+    // Six unknowns: six samples already fit exactly. The field strength scales the result.
     void recoversAxisAlignedEllipsoid_data() {
         QTest::addColumn<Eigen::Vector3d>("centre");
         QTest::addColumn<Eigen::Vector3d>("radii");
         QTest::addColumn<int>("count");
+        QTest::addColumn<double>("field");
         QTest::newRow("origin inside")
-            << Eigen::Vector3d(0.4, -0.3, 0.2) << Eigen::Vector3d(1.2, 0.9, 1.5) << 200;
+            << Eigen::Vector3d(0.4, -0.3, 0.2) << Eigen::Vector3d(1.2, 0.9, 1.5) << 200 << 1.0;
         QTest::newRow("origin outside")
-            << Eigen::Vector3d(3.0, -2.5, 1.75) << Eigen::Vector3d(1.1, 1.6, 0.8) << 500;
-        QTest::newRow("raw counts")
-            << Eigen::Vector3d(12.0, -7.0, 30.0) << Eigen::Vector3d(40.0, 25.0, 55.0) << 1000;
+            << Eigen::Vector3d(3.0, -2.5, 1.75) << Eigen::Vector3d(1.1, 1.6, 0.8) << 500 << 1.0;
+        QTest::newRow("raw counts") << Eigen::Vector3d(12.0, -7.0, 30.0)
+                                    << Eigen::Vector3d(40.0, 25.0, 55.0) << 1000 << 1.0;
         QTest::newRow("sphere of 50")
-            << Eigen::Vector3d(0, 0, 0) << Eigen::Vector3d(50, 50, 50) << 300;
+            << Eigen::Vector3d(0, 0, 0) << Eigen::Vector3d(50, 50, 50) << 300 << 1.0;
         QTest::newRow("six samples")
-            << Eigen::Vector3d(-2.0, 0.5, 1.0) << Eigen::Vector3d(3.0, 2.0, 2.5) << 6;
+            << Eigen::Vector3d(-2.0, 0.5, 1.0) << Eigen::Vector3d(3.0, 2.0, 2.5) << 6 << 1.0;
+        QTest::newRow("earth field")
+            << Eigen::Vector3d(1, 2, 3) << Eigen::Vector3d(4, 5, 6) << 300 << 48.0;
     }
 
     void recoversAxisAlignedEllipsoid() {
         QFETCH(Eigen::Vector3d, centre);
         QFETCH(Eigen::Vector3d, radii);
         QFETCH(int, count);
+        QFETCH(double, field);
         Cloud cloud = ellipsoidCloud(count, centre, radii);
         MagCalib calib;
-        QVERIFY(calib.ellipsoidCalibration(cloud.x, cloud.y, cloud.z, 1.0));
+        QVERIFY(calib.ellipsoidCalibration(cloud.x, cloud.y, cloud.z, field));
         for (int k = 0; k < 3; ++k) {
             QVERIFY2(std::abs(calib.offset[k] - centre(k)) < 1e-9, qPrintable(QString::number(k)));
-            QVERIFY2(std::abs(calib.scale[k] * radii(k) - 1.0) < 1e-9,
+            QVERIFY2(std::abs(calib.scale[k] * radii(k) / field - 1.0) < 1e-9,
                      qPrintable(QString::number(k)));
         }
         verifyDiagonalCorrection(calib);
-        QVERIFY(sphereDeviation(calib, cloud) < 1e-9);
+        QVERIFY(sphereDeviation(calib, cloud, field) < 1e-9 * field);
 
         // The fit alone reports centre and radii with identity axes and stores nothing.
         Eigen::Vector3d fitCentre;
@@ -115,19 +120,6 @@ private slots:
         QVERIFY((fitRadii - radii).norm() < 1e-9);
         QVERIFY(evecs == Eigen::MatrixXd::Identity(3, 3));
         verifyDefaults(fitOnly);
-    }
-
-    void fieldStrengthScalesTheResult() {
-        Cloud cloud = ellipsoidCloud(300, Eigen::Vector3d(1, 2, 3), Eigen::Vector3d(4, 5, 6));
-        MagCalib unit;
-        MagCalib earth;
-        QVERIFY(unit.ellipsoidCalibration(cloud.x, cloud.y, cloud.z, 1.0));
-        QVERIFY(earth.ellipsoidCalibration(cloud.x, cloud.y, cloud.z, 48.0));
-        for (int k = 0; k < 3; ++k) {
-            QVERIFY(std::abs(earth.scale[k] - 48.0 * unit.scale[k]) < 1e-12);
-            QCOMPARE(earth.offset[k], unit.offset[k]);
-        }
-        verifyDiagonalCorrection(earth);
     }
 
     // Fewer than six samples on any axis: the call fails and earlier results stay, through
@@ -215,6 +207,62 @@ private slots:
         QVERIFY(std::equal(fromStd.scale, fromStd.scale + 3, calib.scale));
         QVERIFY(std::equal(fromStd.offset, fromStd.offset + 3, calib.offset));
         QVERIFY(std::equal(fromStd.correction, fromStd.correction + 9, calib.correction));
+    }
+
+    // ---- orientation coverage: one of 12 x 12 x 12 cells of 30 degrees per orientation, each
+    // cell counted once, reported as the share of cells marked in percent ----
+
+    // Two orientations mark one cell when their angles fall in the same 30 degree bins after
+    // wrapping into [0, 360).
+    void binsOfTwoOrientations_data() {
+        QTest::addColumn<QVector<float>>("a");
+        QTest::addColumn<QVector<float>>("b");
+        QTest::addColumn<int>("cells");
+        const auto row = [](const char* name, QVector<float> a, QVector<float> b, int cells) {
+            QTest::newRow(name) << a << b << cells;
+        };
+        row("same angles", {100, 200, 300}, {100, 200, 300}, 1);
+        row("360 wraps to bin 0", {360, 0, 0}, {0, 0, 0}, 1);
+        row("-30 is bin 11", {-30, 0, 0}, {330, 0, 0}, 1);
+        row("725 is 5 degrees", {725, 0, 0}, {0, 0, 0}, 1);
+        row("29.9 still bin 0", {29.9f, 0, 0}, {0, 0, 0}, 1);
+        row("30 starts bin 1", {30, 0, 0}, {59.9f, 0, 0}, 1);
+        row("second angle wraps", {0, 360, 0}, {0, 10, 0}, 1);
+        row("third angle wraps", {0, 0, -1}, {0, 0, 345}, 1);
+        row("30 is not bin 0", {30, 0, 0}, {0, 0, 0}, 2);
+        row("-30 is not bin 0", {-30, 0, 0}, {0, 0, 0}, 2);
+        row("359.9 is not bin 0", {359.9f, 0, 0}, {0, 0, 0}, 2);
+        // Each angle has its own axis: swapping angles between positions lands elsewhere.
+        row("first vs second", {30, 0, 0}, {0, 30, 0}, 2);
+        row("second vs third", {0, 30, 0}, {0, 0, 30}, 2);
+        row("first vs third", {30, 0, 0}, {0, 0, 30}, 2);
+    }
+
+    void binsOfTwoOrientations() {
+        QFETCH(QVector<float>, a);
+        QFETCH(QVector<float>, b);
+        QFETCH(int, cells);
+        OrientCount count;
+        count.addOrientation(a[0], a[1], a[2]);
+        count.addOrientation(b[0], b[1], b[2]);
+        QCOMPARE(count.getPercNotZero(), cells * 100.0f / 1728.0f);
+    }
+
+    // The 1728 cells are distinct, and all of them make exactly 100.0 in single precision.
+    void everyCellGivesExactlyHundred() {
+        OrientCount count;
+        QCOMPARE(count.getPercNotZero(), 0.0f);
+        float last = 0.0f;
+        for (int i = 0; i < 12; ++i) {
+            for (int j = 0; j < 12; ++j) {
+                for (int k = 0; k < 12; ++k) {
+                    count.addOrientation(15.0f + 30.0f * i, 15.0f + 30.0f * j, 15.0f + 30.0f * k);
+                    QVERIFY(count.getPercNotZero() > last);
+                    last = count.getPercNotZero();
+                }
+            }
+        }
+        QVERIFY(count.getPercNotZero() == 100.0f);
     }
 };
 
