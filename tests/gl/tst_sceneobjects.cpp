@@ -15,11 +15,7 @@
 #include "Shaders.h"
 #include "Simple3DObject.h"
 
-namespace {
-
 constexpr int kSize = 64;
-
-}  // namespace
 
 class TstSceneObjects : public QObject {
     Q_OBJECT
@@ -41,20 +37,14 @@ class TstSceneObjects : public QObject {
     }
 
     // The frame as RGB, top row first. The scene program writes alpha 0.5; the raw colour
-    // values are read back and the alpha is ignored.
+    // values are read back and the alpha byte is ignored (RGBX).
     QImage finish() {
         program->release();
         QImage raw(kSize, kSize, QImage::Format_RGBX8888);
         context.functions()->glReadPixels(0, 0, kSize, kSize, GL_RGBA, GL_UNSIGNED_BYTE,
                                           raw.bits());
         fbo->release();
-        for (int y = 0; y < kSize; ++y) {
-            uchar* row = raw.scanLine(y);
-            for (int x = 0; x < kSize; ++x) {
-                row[4 * x + 3] = 255;
-            }
-        }
-        return raw.mirrored();
+        return raw.mirrored().convertToFormat(QImage::Format_RGB888);
     }
 
 private slots:
