@@ -18,14 +18,10 @@ bool sameQuat(const bw::Orientation& a, const bw::Orientation& b, float eps = 1e
 
 // The scene program writes alpha 0.5; colours are compared on their raw RGB values.
 QImage rgbOf(const QImage& grabbed) {
-    QImage img = grabbed.convertToFormat(QImage::Format_RGBA8888);
-    for (int y = 0; y < img.height(); ++y) {
-        uchar* row = img.scanLine(y);
-        for (int x = 0; x < img.width(); ++x) {
-            row[4 * x + 3] = 255;
-        }
-    }
-    return img;
+    const QImage rgba = grabbed.convertToFormat(QImage::Format_RGBA8888);
+    return QImage(rgba.constBits(), rgba.width(), rgba.height(), rgba.bytesPerLine(),
+                  QImage::Format_RGBX8888)
+        .convertToFormat(QImage::Format_RGB888);
 }
 
 }  // namespace
