@@ -3,10 +3,8 @@
 
 #include "ModalResponder.h"
 #include "TempSettings.h"
-#include "fileerrorbox.h"
 #include "freespace.h"
 #include "recoptiondlg.h"
-#include "style.h"
 
 namespace {
 
@@ -56,8 +54,7 @@ bool chooseFolder(RecOptionDlg& dialog, const QString& folder) {
 
 }  // namespace
 
-// What the recording shows the user: the options dialog, the error box of a file that cannot be
-// opened, and the free-space label.
+// What the recording shows the user: the options dialog and the free-space label.
 class TestRecOptionDlg : public QObject {
     Q_OBJECT
 
@@ -185,29 +182,6 @@ private slots:
         QCOMPARE(keys.size(), 2);
         QCOMPARE(TempSettings::stored("sample_freq").toInt(), 25);
         QCOMPARE(TempSettings::stored("save_folder").toString(), QStringLiteral("/srv/recordings"));
-    }
-
-    // ---- recording feedback ----
-
-    void unopenableFileShowsFileError() {
-        const Style style;
-        QString title, text;
-        QStringList buttons;
-        QMessageBox::Icon icon = QMessageBox::NoIcon;
-        ModalResponder<QMessageBox> responder([&](QMessageBox* box) {
-            title = box->windowTitle();
-            text = box->text();
-            icon = box->icon();
-            for (QAbstractButton* button : box->buttons()) buttons << button->text();
-            box->buttons().first()->click();
-        });
-        showFileOpenError(nullptr, style);
-        QVERIFY(responder.answered());
-        QCOMPARE(responder.unexpected(), 0);
-        QCOMPARE(title, QStringLiteral("File error"));
-        QCOMPARE(text, QStringLiteral("Error while opening file for writing"));
-        QCOMPARE(icon, QMessageBox::Warning);
-        QCOMPARE(buttons, QStringList{"Ok"});
     }
 
     // Red under 10 GiB, judged on the unrounded amount: 9.99 shows as "10.0" and is red.
