@@ -1,8 +1,7 @@
 // bw::Camera and bw::CameraOne on the simulated bus: opening, per-model sensors, cable loss, and
 // the sensor-record contract on the virtual clock (every IMU sample once and in order, backlog
-// oldest first and at most a second of it, waiting readers), calibration and faults.
+// oldest first and at most a second of it, waiting readers), image frames and faults.
 #include <QtTest>
-#include <bw/ORYXmcu.hpp>
 #include <thread>
 
 #include "SensorTimeline.hpp"
@@ -73,13 +72,6 @@ SensorsData catchUp(bw::Camera& cam) {
         data = next;
     }
     return data;
-}
-
-// Stores a calibration through the micro-controller, as the calibration dialog does.
-void storeCalibration(unsigned serial, bw::_mag_calib_data calib) {
-    bw::ORYXmcu mcu(false, bw::ORYX_USB_VENDOR_ID, MODEL(serial / 10'000'000), false, "");
-    QCOMPARE(mcu.open(serial, false, bw::IMU_ODR_400HZ, nullptr, nullptr, true, false), 0);
-    QCOMPARE(mcu.writeMagCalibInEEprom(calib), 0);
 }
 
 }  // namespace
@@ -302,35 +294,6 @@ private slots:
         COMPARE_CODE(cam.retrieveImage(image), bw::SUCCESS);
         QCOMPARE(image.pixels.size(), image.width * image.height * 4);
         QVERIFY(!image.pixels.empty());
-    }
-
-    void calibrationChangesTheCalibratedField() {
-        SimScope sim({camera(MODEL::ORYX_D, kSerialD)});
-        bw::Camera cam;
-        COMPARE_CODE(cam.open(bySerial(kSerialD)), bw::SUCCESS);
-        Clock::advanceBy(50 * kMs);
-        SensorsData d = catchUp(cam);
-        QVERIFY(d.magnetometer.is_available && d.magnetometer.timestamp > 0);
-        QVERIFY(d.magnetometer.timestamp <= d.imu.timestamp);
-        QVERIFY(d.magnetometer.magnetic_field_calibrated ==
-                d.magnetometer.magnetic_field_uncalibrated);
-
-        bw::_mag_calib_data calib;
-        calib.scale_d0 = 0.5f;
-        calib.scale_d1 = 2.f;
-        calib.scale_d2 = 1.f;
-        calib.offset_d0 = 10.f;
-        calib.offset_d1 = -4.f;
-        calib.offset_d2 = 1.f;
-        storeCalibration(kSerialD, calib);  // while the camera stays open
-        Clock::advanceBy(5 * kMs);
-        d = read(cam);
-        const auto& u = d.magnetometer.magnetic_field_uncalibrated;
-        const auto& c = d.magnetometer.magnetic_field_calibrated;
-        // The reported axes are the device axes d0..d2 on which the calibration works.
-        QVERIFY(qAbs(c.x - (u.x - calib.offset_d0) * calib.scale_d0) < 1e-3f);
-        QVERIFY(qAbs(c.y - (u.y - calib.offset_d1) * calib.scale_d1) < 1e-3f);
-        QVERIFY(qAbs(c.z - (u.z - calib.offset_d2) * calib.scale_d2) < 1e-3f);
     }
 
     void faults() {
