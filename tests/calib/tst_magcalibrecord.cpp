@@ -69,25 +69,6 @@ private slots:
         QCOMPARE(floatAt(r, 21), 3.75f);   // offset d2 = offset z
     }
 
-    // A calibration computed in the dialog's axes corrects device samples the same way once it
-    // is stored in device axes: the two conventions must agree sample by sample.
-    void storedRecordCorrectsDeviceSamplesAsTheDialogDoes() {
-        const double offset[3] = {12.3, -4.5, 6.7};
-        const double scale[3] = {0.021, 0.019, 0.023};
-        const bw::_mag_calib_data r = packMagCalib(offset, scale);
-        const std::int16_t d[3] = {300, -500, 250};
-        const MagAxes a = magAxesFromRaw(d[0], d[1], d[2]);
-        const double dialog[3] = {(a.x - offset[0]) * scale[0], (a.y - offset[1]) * scale[1],
-                                  (a.z - offset[2]) * scale[2]};
-        const double dev0 = (d[0] / 16.0 - r.offset_d0) * r.scale_d0;
-        const double dev1 = (d[1] / 16.0 - r.offset_d1) * r.scale_d1;
-        const double dev2 = (d[2] / 16.0 - r.offset_d2) * r.scale_d2;
-        // Corrected device axes map to the dialog's axes like the raw ones: x = -d1, y = d0.
-        QVERIFY(std::abs(dialog[0] - -dev1) < 1e-5);
-        QVERIFY(std::abs(dialog[1] - dev0) < 1e-5);
-        QVERIFY(std::abs(dialog[2] - dev2) < 1e-5);
-    }
-
     void readBackReproducesTheDialogValues() {
         const double offset[3] = {17.3, -8.1, 0.7};
         const double scale[3] = {0.0213, 0.0198, 0.0225};
