@@ -100,34 +100,16 @@ class TimelineTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void stillCameraFeelsGravityOnly() {
-        SensorTimeline timeline(cameraWith(MotionProfile::Still), kStart);
-        const Streams s = collect(timeline, kStart, kStart + kSecond);
-        QVERIFY(s.imu.size() > 300);
-        Eigen::Vector3d acc = Eigen::Vector3d::Zero(), gyro = Eigen::Vector3d::Zero();
-        for (const ImuSample& sample : s.imu) {
-            acc += toEigen(sample.acceleration);
-            gyro += toEigen(sample.angularVelocity);
-        }
-        acc /= s.imu.size();
-        gyro /= s.imu.size();
-        // Level camera, z up: the whole specific force on z.
-        VERIFY_NEAR(acc.norm(), kGravity, 0.1);
-        VERIFY_NEAR(acc.z(), kGravity, 0.1);
-        VERIFY_NEAR(gyro.norm(), 0.0, 0.05);
-        QCOMPARE(s.imu.back().movingState, 0);
-    }
-
-    void magnetometerShowsConfiguredDistortion_data() {
+    // A camera on the table: gravity alone on the accelerometer, no turn on the gyroscope, and
+    // the earth's field on the magnetometer through the configured distortion.
+    void stillCamera_data() {
         QTest::addColumn<Eigen::Vector3d>("hardIron");
         QTest::addColumn<Eigen::Vector3d>("softIron");
         QTest::newRow("undistorted") << Eigen::Vector3d(0, 0, 0) << Eigen::Vector3d(1, 1, 1);
-        QTest::newRow("scenario example")
-            << Eigen::Vector3d(20, -12, 5) << Eigen::Vector3d(1.1, 0.9, 1.0);
         QTest::newRow("strong") << Eigen::Vector3d(-150, 80, 300) << Eigen::Vector3d(0.7, 1.4, 1.2);
     }
 
-    void magnetometerShowsConfiguredDistortion() {
+    void stillCamera() {
         QFETCH(Eigen::Vector3d, hardIron);
         QFETCH(Eigen::Vector3d, softIron);
         DeviceConfig config = cameraWith(MotionProfile::Still);
@@ -137,13 +119,22 @@ private slots:
         }
         SensorTimeline timeline(config, kStart);
         const Streams s = collect(timeline, kStart, kStart + kSecond);
-        QVERIFY(s.mag.size() > 40);
+        QVERIFY(s.imu.size() > 300 && s.mag.size() > 40);
+        Eigen::Vector3d acc = Eigen::Vector3d::Zero(), gyro = Eigen::Vector3d::Zero();
+        for (const ImuSample& sample : s.imu) {
+            acc += toEigen(sample.acceleration) / s.imu.size();
+            gyro += toEigen(sample.angularVelocity) / s.imu.size();
+        }
+        VERIFY_NEAR(acc.z(), kGravity, 0.1);  // level, z up: the whole force on z
+        VERIFY_NEAR(acc.norm(), kGravity, 0.1);
+        VERIFY_NEAR(gyro.norm(), 0.0, 0.05);
+        QCOMPARE(s.imu.back().movingState, 0);
+
         const Eigen::Quaterniond pose = toEigen(s.imu.back().pose);
         Eigen::Vector3d meanScale = Eigen::Vector3d::Zero();
         for (const MagSample& m : s.mag) {
             const Eigen::Vector3d trueField = toEigen(m.trueField);
             const Eigen::Vector3d raw = toEigen(m.rawField);
-            VERIFY_NEAR(trueField.norm(), kEarthField.norm(), 0.01);
             // The true field is the earth's, seen through the pose and the device axes.
             const Eigen::Vector3d inCamera = toEigen(cameraFromDeviceAxes(m.trueField));
             VERIFY_NEAR((inCamera - pose.conjugate() * kEarthField).norm(), 0.0, 0.01);
