@@ -89,9 +89,6 @@ private slots:
         QTest::newRow("accelerometer")
             << int(DataPlot::ACCELEROMETER) << QString::fromUtf8("Accelerations [m/s²]")
             << QStringList({"Acc. X", "Acc. Y", "Acc. Z"});
-        QTest::newRow("orientation")
-            << int(DataPlot::ORIENTATION) << QString::fromUtf8("Orientation [°]")
-            << QStringList({"Or. X", "Or. Y", "Or. Z"});
         QTest::newRow("barometer")
             << int(DataPlot::BAROMETER) << QString("Atmospheric Pressure [hPa]")
             << QStringList({"Rel. Altitude"});
@@ -243,7 +240,6 @@ private slots:
         QTest::addColumn<bool>("boxOnRight");
         QTest::newRow("left, middle") << 0.3 << 0.5 << true;
         QTest::newRow("near the right edge") << 0.97 << 0.5 << false;
-        QTest::newRow("near the top") << 0.5 << 0.01 << true;
         QTest::newRow("near the bottom right corner") << 0.97 << 0.99 << false;
     }
 
