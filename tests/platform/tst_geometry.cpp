@@ -1,6 +1,6 @@
 // The geometry value types against Eigen as the reference, and the conventions the viewer's
-// 3D code relies on: row-major 4x4, x-y-z-w quaternions, q1 * q2 applies q2 first,
-// Euler angles of R = Rz * Ry * Rx.
+// 3D code relies on: x-y-z-w quaternions, q1 * q2 applies q2 first, Euler angles turning about
+// y, then x, then z. Matrix inversion is checked through the viewer camera's view matrix.
 #include <Eigen/Geometry>
 #include <QtTest>
 #include <algorithm>
@@ -13,7 +13,6 @@ using namespace bw;
 
 namespace {
 
-constexpr float kPi = 3.14159265f;
 constexpr float kTol = 1e-5f;
 
 Eigen::Quaternionf eig(const Orientation& q) { return {q.w, q.x, q.y, q.z}; }
@@ -33,13 +32,6 @@ bool sameRotation(const Orientation& a, const Eigen::Quaternionf& b, float tol =
     return std::abs(std::abs(eig(a).dot(b)) - 1.f) < tol;
 }
 
-Matrix4f general() {
-    Matrix4f m;
-    const float values[16] = {6, 1, 0, 3, 0, 5, 1, -1, 1, 0, 4, 2, 0.5f, 0, 0, 2};
-    std::copy(values, values + 16, m.m);
-    return m;
-}
-
 }  // namespace
 
 class TestGeometry : public QObject {
@@ -54,33 +46,6 @@ private slots:
         const Translation v(0.3f, -1.2f, 2.f);
         QVERIFY(near(v * (a * b), eig(a) * (eig(b) * eig(v))));
         QVERIFY(near((v * b) * a, eig(a) * (eig(b) * eig(v))));
-    }
-
-    void rotatingVectors_data() {
-        QTest::addColumn<float>("angle");
-        QTest::addColumn<Translation>("axis");
-        QTest::addColumn<Translation>("vector");
-        QTest::newRow("quarter about x") << kPi / 2 << Translation(1, 0, 0) << Translation(0, 1, 0);
-        QTest::newRow("oblique") << 2.1f << Translation(1, -1, 0.5f) << Translation(3, 2, 1);
-        QTest::newRow("long axis") << -0.4f << Translation(0, 0, 10) << Translation(1, 1, 1);
-    }
-
-    void rotatingVectors() {
-        QFETCH(float, angle);
-        QFETCH(Translation, axis);
-        QFETCH(Translation, vector);
-        const Eigen::Vector3f expected =
-            Eigen::AngleAxisf(angle, eig(axis).normalized()) * eig(vector);
-
-        QVERIFY(near(vector * orientation(angle, eig(axis)), expected));
-        // Rotation(angle, axis) normalises the axis itself and agrees with the quaternion.
-        const Rotation r(angle, axis);
-        Eigen::Matrix3f m;
-        for (int i = 0; i < 9; ++i) m(i / 3, i % 3) = r.r[i];
-        QVERIFY((m * eig(vector) - expected).norm() < kTol);
-        QVERIFY(near(vector * Orientation(r), expected));
-        // Quaternion -> matrix -> quaternion.
-        QVERIFY(sameRotation(Rotation(Orientation(r)).getOrientation(), eig(Orientation(r))));
     }
 
     void rotationBetweenTwoVectors_data() {
@@ -101,30 +66,6 @@ private slots:
         const float expected = std::acos(std::clamp(
             Translation::dot(Translation::normalize(from), Translation::normalize(to)), -1.f, 1.f));
         QVERIFY(std::abs(2.f * std::acos(std::min(1.f, std::abs(q.w))) - expected) < 1e-3f);
-    }
-
-    // Row-major storage; inverse() inverts in place and leaves a singular matrix alone.
-    void matrixStorageAndInverse() {
-        const Transform t(Orientation(), Translation(4, 5, 6));
-        QCOMPARE(t(0, 3), 4.f);
-        QCOMPARE(t.m[3], 4.f);  // row 0, column 3
-        QCOMPARE(Matrix4f::transpose(t)(3, 0), 4.f);
-        const Matrix4f rigid = Transform(orientation(0.9f, {1, 1, 0}), Translation(1, -2, 3));
-        for (const Matrix4f& m : {general(), rigid}) {
-            Matrix4f inv = m;
-            QVERIFY(inv.inverse());
-            const Matrix4f product = Matrix4f::inverse(m) * m;
-            for (int i = 0; i < 16; ++i) {
-                QVERIFY(std::abs(product.m[i] - Matrix4f::identity().m[i]) < 1e-5f);
-                QCOMPARE(inv.m[i], Matrix4f::inverse(m).m[i]);
-            }
-        }
-        Matrix4f singular;
-        singular.setZeros();
-        singular(0, 0) = 1;
-        const Matrix4f before = singular;
-        QVERIFY(!singular.inverse());
-        QVERIFY(singular == before);
     }
 
     // b * a moves a point through a first, then through b.
