@@ -1,7 +1,6 @@
 #include <QtTest>
 #include <QtWidgets>
 
-#include "ModalResponder.h"
 #include "TempSettings.h"
 #include "freespace.h"
 #include "recoptiondlg.h"
@@ -35,21 +34,25 @@ void click(RecOptionDlg& dialog, const char* button) {
     QTest::mouseClick(child<QAbstractButton>(&dialog, button), Qt::LeftButton);
 }
 
-// Clicks the folder button and answers the folder chooser: with `folder`, or by cancelling it
-// when `folder` is empty.
+// Clicks the folder button and answers the folder chooser, from inside its event loop, as a
+// user would: opens `folder`, leaves the name field empty and chooses; or cancels when `folder`
+// is empty.
 bool chooseFolder(RecOptionDlg& dialog, const QString& folder) {
-    ModalResponder<QFileDialog> responder([&](QFileDialog* chooser) {
-        if (folder.isEmpty()) {
-            chooser->reject();
-            return;
-        }
-        // As a user would: open the folder, leave the name field empty, choose.
+    QTimer poll;
+    bool answered = false;
+    poll.callOnTimeout([&] {
+        auto* chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        if (chooser == nullptr || !chooser->isVisible()) return;
+        poll.stop();
+        answered = true;
+        if (folder.isEmpty()) return chooser->reject();
         chooser->setDirectory(folder);
         child<QLineEdit>(chooser, "fileNameEdit")->clear();
         static_cast<QDialog*>(chooser)->accept();  // as the chooser's own "Choose" button does
     });
+    poll.start(10);
     click(dialog, "pushButton_rec_folder");
-    return responder.answered() && responder.unexpected() == 0;
+    return answered;
 }
 
 }  // namespace
