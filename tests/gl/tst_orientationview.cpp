@@ -1,10 +1,9 @@
 // The orientation view in a real window: what it paints before and after InitProcess, the model
-// choice, the pose hand-over from another thread, and the mouse, wheel and key controls.
+// choice, the pose hand-over through its slots, and the mouse, wheel and key controls. The
+// hand-over from the sampling thread runs in the main window's tests.
 #include <QtTest>
-#include <atomic>
 #include <cmath>
 #include <memory>
-#include <thread>
 
 #include "OGL3DWidget.h"
 #include "SceneChecks.h"
@@ -123,31 +122,6 @@ private slots:
                                           Q_ARG(bw::Translation, bw::Translation(0.1f, 0, 0))));
         QTRY_VERIFY(sameQuat(view->modelOrientation(), q));
         QTRY_VERIFY(sameVec(view->modelPosition(), bw::Translation(0.1f, 0, 0)));
-    }
-
-    void poseFromAnotherThread() {
-        showView();
-        view->InitProcess();
-        std::atomic<bool> stop{false};
-        std::thread sampler([&] {
-            float a = 0.f;
-            while (!stop.load()) {
-                a += 0.01f;
-                view->setGravity(std::sin(a), std::cos(a), 0.f);
-                view->setCameraModelOr(bw::Orientation(bw::Rotation(a, bw::Translation(0, 0, 1))));
-                view->setCameraModelPos(bw::Translation(0, 0, 0));
-                view->setMovingState(int(a) % 3);
-            }
-            view->setCameraModelOr(bw::Orientation(bw::Rotation(0.5f, bw::Translation(1, 0, 0))));
-        });
-        for (int i = 0; i < 5; ++i) {
-            frame();
-        }
-        stop = true;
-        sampler.join();
-        frame();
-        QVERIFY(sameQuat(view->model()->getRotation(),
-                         bw::Orientation(bw::Rotation(0.5f, bw::Translation(1, 0, 0)))));
     }
 
     // Wheel, arrow keys and drags move the viewer camera; R takes it back to the start.

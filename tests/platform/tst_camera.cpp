@@ -2,7 +2,6 @@
 // the sensor-record contract on the virtual clock (every IMU sample once and in order, backlog
 // oldest first and at most a second of it, waiting readers), image frames and faults.
 #include <QtTest>
-#include <thread>
 
 #include "SensorTimeline.hpp"
 #include "SimFixture.hpp"
@@ -332,43 +331,6 @@ private slots:
         d = read(cam);
         QVERIFY(!d.imu.is_available);
         QCOMPARE(d.imu.timestamp, std::uint64_t(0));
-    }
-
-    // A grab thread and a sampling thread on one camera, as in the viewer. On a free-running
-    // virtual clock the grabber could race seconds ahead; it keeps within a few frames of the
-    // sampler, as real time would keep it.
-    void grabAndSampleThreadsShareACamera() {
-        SimScope sim({camera(MODEL::ORYX_D, kSerialD)});
-        const std::uint64_t end = sim.startNs + 2 * kSecond;
-        Clock::setAutoAdvanceLimit(end);
-        bw::Camera cam;
-        COMPARE_CODE(cam.open(bySerial(kSerialD)), bw::SUCCESS);
-        std::atomic<bool> stop{false};
-        std::atomic<std::uint64_t> seen{sim.startNs};
-        std::thread grabber([&] {
-            bw::ImageBGRA image;
-            while (!stop && cam.grab() == bw::SUCCESS) {
-                cam.retrieveImage(image);
-                while (!stop && seen + 100 * kMs < cam.getTimestamp(bw::TIME_REFERENCE::IMAGE)) {
-                    std::this_thread::yield();
-                }
-            }
-        });
-        // Idle only once neither thread may move the clock on: at the end.
-        std::vector<std::uint64_t> got;
-        SensorsData data;
-        for (int idle = 0; idle < 3;) {
-            COMPARE_CODE(cam.getSensorsData(data, bw::TIME_REFERENCE::CURRENT), bw::SUCCESS);
-            if (!got.empty() && data.imu.timestamp == got.back()) {
-                ++idle;
-            } else {
-                got.push_back(seen = data.imu.timestamp);
-                idle = 0;
-            }
-        }
-        stop = true;
-        grabber.join();
-        QCOMPARE(got, expectedImu(kSerialD, sim.startNs, sim.startNs, end));
     }
 };
 

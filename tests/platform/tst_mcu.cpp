@@ -1,14 +1,13 @@
 // bw::ORYXmcu and the HID listing on the simulated bus: byte layouts of the device records, the
-// magnetometer stream as the calibration dialog reads it, the EEPROM and its faults, the
-// calibration status, and the heading convention.
+// magnetometer stream as the calibration dialog reads it, the EEPROM across reopening, the
+// calibration status, and the heading convention. Faults and the dialog's two threads are
+// driven through the calibration dialog's own tests.
 #include <Eigen/Geometry>
 #include <QtTest>
-#include <atomic>
 #include <bw/ORYXmcu.hpp>
 #include <bw/hid.hpp>
 #include <cmath>
 #include <cstring>
-#include <thread>
 
 #include "SensorTimeline.hpp"
 #include "SimFixture.hpp"
@@ -299,36 +298,6 @@ private slots:
         const auto onlyD = bw::hidEnumerate(bw::ORYX_USB_VENDOR_ID, bw::MCU_PID_ORYX_D);
         QVERIFY(findHid(onlyD, kSerialD) && !findHid(onlyD, 10000007));
         QVERIFY(!findHid(bw::hidEnumerate(0x1234, 0), kSerialD));
-    }
-
-    // The calibration dialog's two threads: one polls the records while the other stops the
-    // capture, reads and writes the EEPROM and restarts it. Run under ThreadSanitizer.
-    void readerThreadAndEepromAccessShareTheDevice() {
-        SimScope sim({camera(MODEL::ORYX_D, kSerialD)});
-        Clock::setAutoAdvanceLimit(UINT64_MAX);
-        const auto mcu = openMcu(kSerialD);
-        QCOMPARE(mcu->startCapture(0.f), 0);
-        std::atomic<bool> stop{false};
-        std::atomic<int> magSamples{0};
-        std::thread reader([&] {
-            while (!stop) {
-                magSamples += mcu->getIMUReaderData().mag_update == 2;
-                mcu->getIMUPose(6);
-            }
-        });
-        for (int i = 1; i <= 50; ++i) {
-            mcu->stopCapture();
-            bw::_mag_calib_data c = calibration({1.f, 1.f, float(i)}, {0.f, 0.f, 0.f});
-            QCOMPARE(mcu->writeMagCalibInEEprom(c), 0);
-            QCOMPARE(mcu->updateEepromMemory(true), 0);
-            QCOMPARE(mcu->eeprom().mag_scale[2], float(i));
-            QCOMPARE(mcu->startCapture(0.f), 0);
-            std::this_thread::yield();
-        }
-        while (magSamples == 0) std::this_thread::yield();
-        stop = true;
-        reader.join();
-        QVERIFY(mcu->isCapturing());
     }
 
     // Open and read failures the calibration dialog does not see through its own tests.

@@ -251,23 +251,6 @@ private slots:
         QVERIFY2(maxHeight - minHeight > 0.1, "the height must change for this to mean anything");
     }
 
-    void tumblingShowsTheMagnetometerEveryDirection() {
-        SensorTimeline timeline(cameraWith(MotionProfile::Tumbling), kStart);
-        const Streams s = collect(timeline, kStart, kStart + 20 * kSecond);
-        std::set<int> octants;
-        Eigen::Vector3d most = Eigen::Vector3d::Constant(-1), least = Eigen::Vector3d::Constant(1);
-        for (const MagSample& m : s.mag) {
-            const Eigen::Vector3d direction = toEigen(m.trueField).normalized();
-            octants.insert((direction.x() > 0) + 2 * (direction.y() > 0) + 4 * (direction.z() > 0));
-            most = most.cwiseMax(direction);
-            least = least.cwiseMin(direction);
-        }
-        QCOMPARE(octants.size(), std::size_t{8});
-        for (int i = 0; i < 3; ++i) {
-            QVERIFY2(most[i] > 0.9 && least[i] < -0.9, qPrintable(QString("axis %1").arg(i)));
-        }
-    }
-
     void modelsWithoutSensorsHaveNoStreams() {
         SensorTimeline timeline(cameraWith(MotionProfile::Gentle, 1, bw::MODEL::ORYX_B), kStart);
         timeline.advanceTo(kStart + kSecond);
