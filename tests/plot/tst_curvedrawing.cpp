@@ -108,58 +108,6 @@ QImage blankImage(const QSize& size) {
     return image;
 }
 
-// The chart with its own curves, then the same plot with its curves hidden and plain
-// QwtPlotCurves of the same pens given the same samples.
-void compareWithPlainCurves(const SeriesSet& set, double t0, double t1, double v0, double v1,
-                            bool visible) {
-    DataPlot plot;
-    plot.resize(520, 260);
-    plot.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&plot));
-    const DataPlot::DataType types[] = {DataPlot::ACC_X, DataPlot::ACC_Y, DataPlot::ACC_Z};
-    for (int a = 0; a < set.size(); ++a) {
-        plot.updateData(types[a], set[a].t, set[a].v, false);
-    }
-    plot.setTimeRange(t0, t1, false);
-    plot.setValRange(v0, v1, false);
-    plot.replot();
-    const QImage chart = canvasImage(plot);
-
-    const QwtPlotItemList ours = plot.itemList(QwtPlotItem::Rtti_PlotCurve);
-    for (QwtPlotItem* item : ours) {
-        const auto* curve = static_cast<QwtPlotCurve*>(item);
-        if (curve->isVisible()) {
-            auto* plain = new QwtPlotCurve();
-            plain->setPen(curve->pen());
-            QVector<QPointF> samples;
-            for (size_t i = 0; i < curve->dataSize(); ++i) {
-                samples << curve->sample(i);
-            }
-            plain->setSamples(samples);
-            plain->attach(&plot);
-        }
-        plot.showCurve(item, false, false);
-    }
-    plot.replot();
-    const QImage reference = canvasImage(plot);
-    for (QwtPlotItem* item : plot.itemList(QwtPlotItem::Rtti_PlotCurve)) {
-        item->setVisible(false);
-    }
-    plot.replot();
-    const QImage empty = canvasImage(plot);
-
-    // Otherwise two empty pictures would pass.
-    QCOMPARE(chart != empty, visible);
-    const double share = differingShare(chart, reference);
-    if (share > kMaxDifferingShare) {
-        chart.save(QDir::temp().filePath("chart_filled.png"));
-        reference.save(QDir::temp().filePath("chart_plain.png"));
-    }
-    QVERIFY2(share <= kMaxDifferingShare, qPrintable(QString("%1 % of pixels differ (images in %2)")
-                                                         .arg(100.0 * share)
-                                                         .arg(QDir::tempPath())));
-}
-
 // Draws one curve item straight onto an image through `setup`'s painter.
 QImage drawItem(const QwtPlotCurve& curve, const std::function<void(QPainter&)>& setup) {
     QImage image = blankImage(QSize(300, 200));
@@ -185,7 +133,6 @@ class TestCurveDrawing : public QObject {
     Q_OBJECT
 
 private slots:
-
     void filledStrokeMatchesQwtPolyline_data() {
         QTest::addColumn<int>("kind");
         QTest::addColumn<bool>("splitting");
@@ -249,6 +196,8 @@ private slots:
             << SeriesSet{fromPoints({{5, 0}})} << 0.0 << 10.0 << -5.0 << 5.0 << false;
     }
 
+    // The chart with its own curves, then the same plot with its curves hidden and plain
+    // QwtPlotCurves of the same pens given the same samples.
     void chartMatchesPlainCurves() {
         QFETCH(SeriesSet, set);
         QFETCH(double, t0);
@@ -256,7 +205,47 @@ private slots:
         QFETCH(double, v0);
         QFETCH(double, v1);
         QFETCH(bool, visible);
-        compareWithPlainCurves(set, t0, t1, v0, v1, visible);
+        DataPlot plot;
+        plot.resize(520, 260);
+        plot.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&plot));
+        const DataPlot::DataType types[] = {DataPlot::ACC_X, DataPlot::ACC_Y, DataPlot::ACC_Z};
+        for (int a = 0; a < set.size(); ++a) {
+            plot.updateData(types[a], set[a].t, set[a].v, false);
+        }
+        plot.setTimeRange(t0, t1, false);
+        plot.setValRange(v0, v1, false);
+        plot.replot();
+        const QImage chart = canvasImage(plot);
+
+        const QwtPlotItemList ours = plot.itemList(QwtPlotItem::Rtti_PlotCurve);
+        for (QwtPlotItem* item : ours) {
+            const auto* curve = static_cast<QwtPlotCurve*>(item);
+            if (curve->isVisible()) {
+                auto* plain = new QwtPlotCurve();
+                plain->setPen(curve->pen());
+                QVector<QPointF> samples;
+                for (size_t i = 0; i < curve->dataSize(); ++i) {
+                    samples << curve->sample(i);
+                }
+                plain->setSamples(samples);
+                plain->attach(&plot);
+            }
+            plot.showCurve(item, false, false);
+        }
+        plot.replot();
+        const QImage reference = canvasImage(plot);
+        for (QwtPlotItem* item : plot.itemList(QwtPlotItem::Rtti_PlotCurve)) {
+            item->setVisible(false);
+        }
+        plot.replot();
+        const QImage empty = canvasImage(plot);
+
+        // Otherwise two empty pictures would pass.
+        QCOMPARE(chart != empty, visible);
+        const double share = differingShare(chart, reference);
+        QVERIFY2(share <= kMaxDifferingShare,
+                 qPrintable(QString("%1 % of pixels differ").arg(100 * share)));
     }
 
     // Where fills could not stand in for the stroke exactly, the chart's curve must draw just as a
