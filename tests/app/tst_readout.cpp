@@ -1,5 +1,6 @@
 // What the main window shows of the samples: the live readout's texts, byte for byte, its rate
-// label, and how much of the series the chart takes, how often it redraws, and its time axis.
+// label, and how much of the series the chart takes and how often it redraws. The time axis is
+// checked on the main window.
 #include <QtTest>
 
 #include "ChartWindow.h"
@@ -126,20 +127,6 @@ private slots:
         QFETCH(int, count);
         QFETCH(int, period);
         QCOMPARE(chart::refreshPeriodMs(count), period);
-    }
-
-    void timeAxisGrowsThenScrolls() {
-        QVector<double> time;
-        for (int i = 0; i <= 400; ++i) time.append(100.0 + i * 0.0025);  // one second
-        chart::TimeAxis axis = chart::timeAxisFor(time, 5);
-        QCOMPARE(axis.min, 100.0);
-        QCOMPARE(axis.max, 105.0);
-        for (int i = 401; i <= 4000; ++i) time.append(100.0 + i * 0.0025);  // ten seconds
-        axis = chart::timeAxisFor(time, 5);
-        QCOMPARE(axis.max, time.last());
-        QCOMPARE(axis.min, time.last() - 5.0);
-        axis = chart::timeAxisFor({}, 5);
-        QCOMPARE(axis.max, 0.0);
     }
 
     void timeRangeFromTheComboText_data() {

@@ -175,13 +175,6 @@ private slots:
 
     // ---- options ----
 
-    void firstRunGivesDefaults() {
-        const RecOptions options;
-        QCOMPARE(options.saveFolder, QDir::homePath());
-        for (const auto& group : kGroups) QVERIFY2(options.*group.second, qPrintable(group.first));
-        QCOMPARE(options.sampleFreq, 400);
-    }
-
     void optionsRoundTripThroughTheSettings() {
         RecOptions written = groups({"gyroscope", "orientation", "barometer", "temperatures"});
         written.saveFolder = settings.path() + "/recordings";
