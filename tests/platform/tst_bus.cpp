@@ -49,9 +49,7 @@ private slots:
 
         QCOMPARE(entry(stereo, 14)->bus_type, bw::BUS_TYPE::USB);
         QCOMPARE(entry(stereo, 15)->bus_type, bw::BUS_TYPE::GMSL);
-        QCOMPARE(entry(mono, 18)->bus_type, bw::BUS_TYPE::GMSL);
         COMPARE_CODE(entry(stereo, 16)->camera_model, MODEL::ORYX_F);
-        QCOMPARE(entry(stereo, 16)->id, 2);
         QCOMPARE(entry(mono, 17)->camera_state, bw::CAMERA_STATE::AVAILABLE);
     }
 
@@ -62,8 +60,6 @@ private slots:
         COMPARE_CODE(serials[0], DeviceConfig::defaultSerial(MODEL::ORYX_D, 0));
         COMPARE_CODE(serials[1], DeviceConfig::defaultSerial(MODEL::ORYX_C, 1));
         QCOMPARE(serials[2], 777u);
-        QCOMPARE(Bus::instance().config(serials[1])->serial, serials[1]);
-        QVERIFY(!Bus::instance().config(1234).has_value());
 
         // plug() finds a serial nobody uses, and refuses a duplicate.
         const unsigned added = Bus::instance().plug(camera(MODEL::ORYX_D));
@@ -87,8 +83,6 @@ private slots:
         QVERIFY(Bus::instance().replug(30000001));
         QVERIFY(!Bus::instance().replug(30000001));
         QVERIFY(listed(30000001));
-        QVERIFY(!Bus::instance().unplug(99));
-        QVERIFY(!Bus::instance().replug(99));
 
         Bus::instance().load({});
         QVERIFY(bw::Camera::getDeviceList().empty());
