@@ -1,13 +1,12 @@
-// bw::ORYXmcu and the HID listing on the simulated bus: byte layouts of the device records, the
-// magnetometer stream as the calibration dialog reads it, the EEPROM across reopening, the
-// calibration status, and the heading convention. Faults and the dialog's two threads are
-// driven through the calibration dialog's own tests.
+// bw::ORYXmcu and the HID listing on the simulated bus: the magnetometer stream as the
+// calibration dialog reads it, the EEPROM across reopening, the calibration status and the
+// heading convention. Faults and the dialog's two threads are driven through the calibration
+// dialog's own tests.
 #include <Eigen/Geometry>
 #include <QtTest>
 #include <bw/ORYXmcu.hpp>
 #include <bw/hid.hpp>
 #include <cmath>
-#include <cstring>
 
 #include "SensorTimeline.hpp"
 #include "SimFixture.hpp"
@@ -19,13 +18,6 @@ namespace {
 
 constexpr unsigned kSerialD = 30000001;
 constexpr double kPi = 3.14159265358979323846;
-
-template <class T, class Record>
-T at(const Record& record, std::size_t offset) {
-    T value;
-    std::memcpy(&value, reinterpret_cast<const char*>(&record) + offset, sizeof value);
-    return value;
-}
 
 std::unique_ptr<bw::ORYXmcu> openMcu(unsigned serial, int* result = nullptr) {
     auto mcu = std::make_unique<bw::ORYXmcu>(false, bw::ORYX_USB_VENDOR_ID,
@@ -82,39 +74,6 @@ class TestMcu : public QObject {
     Q_OBJECT
 
 private slots:
-    void recordLayouts() {
-        bw::_imu_reader_data r{};
-        r.valid = 1;
-        r.timestamp = 0x1122334455667788ull;
-        r.mag_update = 2;
-        r.mag[0] = -3;
-        r.mag[1] = 1000;
-        r.mag[2] = 32767;
-        QCOMPARE(at<std::uint8_t>(r, 0), std::uint8_t(1));
-        QCOMPARE(at<std::uint64_t>(r, 2), 0x1122334455667788ull);
-        QCOMPARE(at<std::uint8_t>(r, 30), std::uint8_t(2));
-        QCOMPARE(at<std::int16_t>(r, 31), std::int16_t(-3));
-        QCOMPARE(at<std::int16_t>(r, 33), std::int16_t(1000));
-        QCOMPARE(at<std::int16_t>(r, 35), std::int16_t(32767));
-
-        bw::_imu_pose_data p{};
-        p.gravity[0] = 0.25f;
-        p.mag[2] = -41.5f;
-        p.mag_calib_status = 2;
-        p.mag_calib_quality = 0.75f;
-        p.mag_heading = -1.5f;
-        QCOMPARE(at<float>(p, 124), 0.25f);
-        QCOMPARE(at<float>(p, 236 + 8), -41.5f);
-        QCOMPARE(at<std::int32_t>(p, 260), 2);
-        QCOMPARE(at<float>(p, 264), 0.75f);
-        QCOMPARE(at<float>(p, 268), -1.5f);
-
-        const bw::_mag_calib_data c = calibration({1.5f, 2.5f, 3.5f}, {-1.f, -2.f, -3.f});
-        QCOMPARE(sizeof c, size_t(25));
-        const float expected[6] = {1.5f, 2.5f, 3.5f, -1.f, -2.f, -3.f};
-        for (int i = 0; i < 6; ++i) QCOMPARE(at<float>(c, 1 + 4 * i), expected[i]);
-    }
-
     void everyMagSampleOnceInTicks() {
         SimScope sim({camera(MODEL::ORYX_D, kSerialD)});
         const std::uint64_t end = sim.startNs + 2 * kSecond;
