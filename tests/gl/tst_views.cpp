@@ -1,10 +1,14 @@
-// The orientation view in a real window: what it paints before and after InitProcess, the model
-// choice, the pose hand-over through its slots, and the mouse, wheel and key controls. The
-// hand-over from the sampling thread runs in the main window's tests.
+// The two GL views in real windows. The orientation view: what it paints before and after
+// InitProcess, the model choice, the pose hand-over through its slots, and the mouse, wheel and
+// key controls (the hand-over from the sampling thread runs in the main window's tests). The
+// camera image view: letter-box viewports, the click rules and the drawing of a BGRA frame from
+// host memory.
 #include <QtTest>
 #include <cmath>
 #include <memory>
+#include <vector>
 
+#include "OGL2DWidget.h"
 #include "OGL3DWidget.h"
 #include "SceneChecks.h"
 #include "programstates.h"
@@ -25,17 +29,21 @@ QImage rgbOf(const QImage& grabbed) {
 
 }  // namespace
 
-class TstOrientationView : public QObject {
+class TstViews : public QObject {
     Q_OBJECT
 
     std::unique_ptr<OGL3DWidget> view;
+    std::unique_ptr<OGL2DWidget> image;
 
-    void showView(int w = 400, int h = 300) {
-        view = std::make_unique<OGL3DWidget>();
-        view->resize(w, h);
-        view->show();
-        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+    template <class View>
+    static void show(std::unique_ptr<View>& widget, int w, int h) {
+        widget = std::make_unique<View>();
+        widget->resize(w, h);
+        widget->show();
+        QVERIFY(QTest::qWaitForWindowExposed(widget.get()));
     }
+    void showView(int w = 400, int h = 300) { show(view, w, h); }
+    void showImage(int w, int h) { show(image, w, h); }
 
     QImage frame() { return rgbOf(view->grabFramebuffer()); }
 
@@ -52,9 +60,27 @@ class TstOrientationView : public QObject {
         QApplication::sendEvent(view.get(), &ev);
     }
 
+    void release(Qt::MouseButton button, QPointF pos) {
+        QMouseEvent ev(QEvent::MouseButtonRelease, pos, QPointF(image->mapToGlobal(pos.toPoint())),
+                       button, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(image.get(), &ev);
+    }
+
+    static QPointF clicked() {
+        return {ProgramStates::getDoubleAttr(1), ProgramStates::getDoubleAttr(2)};
+    }
+
 private slots:
-    void init() { ProgramStates::setIntAttr(18, 0); }
-    void cleanup() { view.reset(); }
+    void init() {
+        ProgramStates::setIntAttr(18, 0);
+        ProgramStates::setDoubleAttr(1, -1.0);
+        ProgramStates::setDoubleAttr(2, -1.0);
+        ProgramStates::setIntAttr(4, 0);
+    }
+    void cleanup() {
+        view.reset();
+        image.reset();
+    }
 
     void beforeInitOnlyBackgroundAndBorder() {
         showView();
@@ -227,7 +253,74 @@ private slots:
         QVERIFY(std::abs((minX + maxX) / 2 - wide.width() / 2) < wide.width() / 6);
         QCOMPARE(view->viewCamera()->getHorizontalFOV(), view->viewCamera()->getVerticalFOV());
     }
+
+    // ---- camera image view ----
+
+    void letterBoxViewports() {
+        showImage(800, 800);
+        QSignalSpy spy(image.get(), &OGL2DWidget::init);
+        image->InitGLProcess(1920, 1080, 1920 * 4);
+        QCOMPARE(spy.count(), 1);
+        QVERIFY(image->isAvailable());
+        QCOMPARE(image->getViewport(), QRect(0, 175, 800, 450));
+        image->resize(1000, 400);
+        QTRY_COMPARE(image->getViewport(), QRect(144, 0, 711, 400));
+        image->Deinit();
+        QVERIFY(!image->isAvailable());
+    }
+
+    // A left click stores its place in the picture as shares of the width and height (rounded
+    // to whole pixels first); outside the picture it is ignored, a right click clears it, and a
+    // locked selection in selection mode ignores left clicks.
+    void clickRules() {
+        showImage(400, 200);
+        release(Qt::LeftButton, {99.5, 150.4});
+        QCOMPARE(clicked(), QPointF(0.25, 0.75));
+        release(Qt::LeftButton, {-3, 50});
+        release(Qt::LeftButton, {420, 10});
+        QCOMPARE(clicked(), QPointF(0.25, 0.75));
+        release(Qt::LeftButton, {400, 200});  // the far edges are inside
+        QCOMPARE(clicked(), QPointF(1.0, 1.0));
+        release(Qt::RightButton, {-50, -50});
+        QCOMPARE(clicked(), QPointF(-1.0, -1.0));
+
+        image->setSelectionLocked(true);
+        ProgramStates::setIntAttr(4, 1);
+        release(Qt::LeftButton, {100, 50});
+        QCOMPARE(clicked(), QPointF(-1.0, -1.0));
+        ProgramStates::setIntAttr(4, 0);  // both conditions are needed
+        release(Qt::LeftButton, {100, 50});
+        QCOMPARE(clicked(), QPointF(0.25, 0.25));
+    }
+
+    void drawsHostFrameWithRedAndBlueSwapped() {
+        showImage(400, 400);
+        const int w = 64, h = 36, pitch = w * 4 + 16;  // rows padded
+        image->InitGLProcess(w, h, pitch);
+        // Top half pure blue, bottom half pure red, in B, G, R, A order.
+        std::vector<std::uint8_t> frame(static_cast<std::size_t>(pitch) * h, 0);
+        for (int y = 0; y < h; ++y) {
+            for (int x = 0; x < w; ++x) {
+                std::uint8_t* px = &frame[static_cast<std::size_t>(y) * pitch + 4 * x];
+                px[y < h / 2 ? 0 : 2] = 255;
+                px[3] = 255;
+            }
+        }
+        image->setHostFrame(frame.data());
+        image->Ingest();
+        image->updateGL();  // paint now rather than on the next event loop pass
+        const QImage img = image->grabFrameBuffer();
+        // Viewport (0, 87, 400, 225): black bars above and below, blue top, red bottom.
+        QCOMPARE(img.pixelColor(200, 40), QColor(Qt::black));
+        QCOMPARE(img.pixelColor(200, 360), QColor(Qt::black));
+        QCOMPARE(img.pixelColor(200, 130), QColor(Qt::blue));
+        QCOMPARE(img.pixelColor(200, 270), QColor(Qt::red));
+        // Without a frame to draw, all black.
+        image->stopDraw();
+        image->updateGL();
+        QCOMPARE(image->grabFrameBuffer().pixelColor(200, 130), QColor(Qt::black));
+    }
 };
 
-QTEST_MAIN(TstOrientationView)
-#include "tst_orientationview.moc"
+QTEST_MAIN(TstViews)
+#include "tst_views.moc"
