@@ -1,4 +1,4 @@
-// bw::Camera and bw::CameraOne on the simulated bus: opening, per-model sensors, cable loss, and
+// bw::Camera and bw::CameraOne on the simulated bus: opening, cable loss, and
 // the sensor-record contract on the virtual clock (every IMU sample once and in order, backlog
 // oldest first and at most a second of it, waiting readers), image frames and faults.
 #include <QtTest>
@@ -11,7 +11,6 @@ using bw::MODEL;
 using bw::SensorsData;
 using Location = bw::SensorsData::TemperatureData::SENSOR_LOCATION;
 
-Q_DECLARE_METATYPE(bw::MODEL)
 Q_DECLARE_METATYPE(bw::sim::MotionProfile)
 
 namespace {
@@ -110,41 +109,6 @@ private slots:
         cam.close();
         QVERIFY(!cam.isOpened());
         QCOMPARE(cam.getCameraInformation().serial_number, 0u);
-    }
-
-    void sensorsFollowTheModel_data() {
-        QTest::addColumn<MODEL>("model");
-        QTest::addColumn<bool>("mag");
-        QTest::addColumn<bool>("baro");
-        QTest::addColumn<bool>("onboardTemps");
-        QTest::newRow("ORYX_B") << MODEL::ORYX_B << false << false << false;
-        QTest::newRow("ORYX_D") << MODEL::ORYX_D << true << true << true;
-        QTest::newRow("ORYX_E") << MODEL::ORYX_E << false << false << true;
-    }
-
-    void sensorsFollowTheModel() {
-        QFETCH(MODEL, model);
-        QFETCH(bool, mag);
-        QFETCH(bool, baro);
-        QFETCH(bool, onboardTemps);
-        SimScope sim({camera(model, 0, 1)});
-        Clock::setAutoAdvanceLimit(UINT64_MAX);
-        bw::Camera cam;
-        COMPARE_CODE(cam.open(bySerial(Bus::instance().serials()[0])), bw::SUCCESS);
-        Clock::setAutoAdvanceLimit(0);
-        Clock::advanceBy(100 * kMs);  // let every stream produce a sample
-        const SensorsData d = catchUp(cam);
-        QVERIFY(d.imu.is_available && d.imu.timestamp > 0);
-        QCOMPARE(d.magnetometer.is_available, mag);
-        QCOMPARE(d.barometer.is_available, baro);
-        QCOMPARE(d.magnetometer.timestamp > 0, mag);
-        QCOMPARE(d.barometer.timestamp > 0, baro);
-        float celsius = 0.f;
-        COMPARE_CODE(d.temperature.get(Location::IMU, celsius), bw::SUCCESS);
-        for (Location l : {Location::BAROMETER, Location::ONBOARD_LEFT, Location::ONBOARD_RIGHT}) {
-            COMPARE_CODE(d.temperature.get(l, celsius) == bw::SUCCESS, onboardTemps);
-        }
-        QCOMPARE(cam.getCameraInformation().sensors_configuration.has_barometer, baro);
     }
 
     // The camera reports in the image frame (x right, y down, z forward): at rest the specific

@@ -48,24 +48,6 @@ class ScenarioTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void blankTextGivesTheDefault_data() {
-        QTest::addColumn<QString>("text");
-        QTest::newRow("empty") << "";
-        QTest::newRow("separators only") << " ; ;";
-    }
-
-    void blankTextGivesTheDefault() {
-        QFETCH(QString, text);
-        const ScenarioParseResult result = parseScenario(text.toStdString());
-        QVERIFY(result.ok);
-        QCOMPARE(result.cameras.size(), std::size_t{1});
-        const DeviceConfig& camera = result.cameras.front();
-        QCOMPARE(code(camera.model), code(MODEL::ORYX_D));
-        QCOMPARE(name(camera.motion), name(MotionProfile::Gentle));
-        QCOMPARE(camera.serial, DeviceConfig::defaultSerial(MODEL::ORYX_D, 0));
-        QCOMPARE(camera.cameraId, 0);
-    }
-
     void everyKeyIsRead() {
         const ScenarioParseResult result = parse(
             "model=oryx_c serial=20012345 id=4 motion=Tumbling seed=18446744073709551615 "
@@ -209,9 +191,13 @@ private slots:
             QCOMPARE(cameras[0].cameraId, 2);
             QCOMPARE(code(cameras[1].model), code(MODEL::ORYX_C));
         }
+        // Unset or blank: one ORYX_D in gentle motion.
         const std::vector<DeviceConfig> unset = scenarioFromEnvironment();
         QCOMPARE(unset.size(), std::size_t{1});
         QCOMPARE(code(unset[0].model), code(MODEL::ORYX_D));
+        QCOMPARE(name(unset[0].motion), name(MotionProfile::Gentle));
+        QCOMPARE(unset[0].serial, DeviceConfig::defaultSerial(MODEL::ORYX_D, 0));
+        QCOMPARE(parse(" ; \t;").cameras.size(), std::size_t{1});
     }
 
     void badEnvironmentFallsBackToTheDefault() {

@@ -251,15 +251,6 @@ private slots:
         QVERIFY2(maxHeight - minHeight > 0.1, "the height must change for this to mean anything");
     }
 
-    void modelsWithoutSensorsHaveNoStreams() {
-        SensorTimeline timeline(cameraWith(MotionProfile::Gentle, 1, bw::MODEL::ORYX_B), kStart);
-        timeline.advanceTo(kStart + kSecond);
-        QVERIFY(timeline.newestImu() != nullptr);
-        QVERIFY(timeline.magAt(kStart + kSecond) == nullptr);
-        QVERIFY(timeline.firstMagAfter(kStart) == nullptr);
-        QVERIFY(timeline.baroAt(kStart + kSecond) == nullptr);
-    }
-
     // A second of history and no more than three, without holes, for a reader that keeps up
     // and for one that comes back after a long absence. At 20 kHz that is 20,000 samples a
     // second; the jump after an absence is the same at any rate and is taken at 400 Hz.
