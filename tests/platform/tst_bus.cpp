@@ -67,9 +67,6 @@ private slots:
         QVERIFY(listed(added));
         QVERIFY_EXCEPTION_THROWN(Bus::instance().plug(camera(MODEL::ORYX_B, 777)),
                                  std::invalid_argument);
-        QVERIFY_EXCEPTION_THROWN(
-            Bus::instance().load({camera(MODEL::ORYX_B, 5), camera(MODEL::ORYX_C, 5)}),
-            std::invalid_argument);
     }
 
     void cablesPulledByHand() {
