@@ -80,8 +80,6 @@ private slots:
         QTest::addColumn<Eigen::Vector3d>("radii");
         QTest::addColumn<int>("count");
         QTest::addColumn<double>("field");
-        QTest::newRow("origin inside")
-            << Eigen::Vector3d(0.4, -0.3, 0.2) << Eigen::Vector3d(1.2, 0.9, 1.5) << 200 << 1.0;
         QTest::newRow("origin outside")
             << Eigen::Vector3d(3.0, -2.5, 1.75) << Eigen::Vector3d(1.1, 1.6, 0.8) << 500 << 1.0;
         QTest::newRow("raw counts") << Eigen::Vector3d(12.0, -7.0, 30.0)
@@ -221,20 +219,16 @@ private slots:
         const auto row = [](const char* name, QVector<float> a, QVector<float> b, int cells) {
             QTest::newRow(name) << a << b << cells;
         };
-        row("same angles", {100, 200, 300}, {100, 200, 300}, 1);
         row("360 wraps to bin 0", {360, 0, 0}, {0, 0, 0}, 1);
         row("-30 is bin 11", {-30, 0, 0}, {330, 0, 0}, 1);
-        row("725 is 5 degrees", {725, 0, 0}, {0, 0, 0}, 1);
         row("29.9 still bin 0", {29.9f, 0, 0}, {0, 0, 0}, 1);
         row("30 starts bin 1", {30, 0, 0}, {59.9f, 0, 0}, 1);
         row("second angle wraps", {0, 360, 0}, {0, 10, 0}, 1);
         row("third angle wraps", {0, 0, -1}, {0, 0, 345}, 1);
         row("30 is not bin 0", {30, 0, 0}, {0, 0, 0}, 2);
-        row("-30 is not bin 0", {-30, 0, 0}, {0, 0, 0}, 2);
         row("359.9 is not bin 0", {359.9f, 0, 0}, {0, 0, 0}, 2);
         // Each angle has its own axis: swapping angles between positions lands elsewhere.
         row("first vs second", {30, 0, 0}, {0, 30, 0}, 2);
-        row("second vs third", {0, 30, 0}, {0, 0, 30}, 2);
         row("first vs third", {30, 0, 0}, {0, 0, 30}, 2);
     }
 
