@@ -179,8 +179,6 @@ private slots:
         // The live chart: far more samples than pixel columns, the first 30 % left of the axis.
         QTest::newRow("400 Hz, 13 s in a 10 s window")
             << imuLike(0.0, 13.0, 400.0, 1) << 3.0 << 13.0 << -11.0 << 11.0 << true;
-        QTest::newRow("50 Hz, a few samples per column")
-            << imuLike(20.0, 10.0, 50.0, 2) << 20.0 << 30.0 << -11.0 << 11.0 << true;
         QTest::newRow("sparse, columns apart")
             << imuLike(0.0, 10.0, 6.0, 3) << 0.0 << 10.0 << -11.0 << 11.0 << true;
         // Knocks and values beyond the value range: clipped at the top and bottom too.

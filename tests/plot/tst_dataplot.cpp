@@ -126,7 +126,6 @@ private slots:
     void changesShowOnlyOnReplot_data() {
         QTest::addColumn<int>("change");
         QTest::newRow("value range") << 0;
-        QTest::newRow("time range") << 1;
         QTest::newRow("new data") << 2;
         QTest::newRow("hidden curve") << 3;
     }
@@ -135,7 +134,6 @@ private slots:
         QFETCH(int, change);
         const auto apply = [change](DataPlot& plot, bool replot) {
             if (change == 0) plot.setValRange(-2.0, 2.0, replot);
-            if (change == 1) plot.setTimeRange(2.0, 4.0, replot);
             if (change == 2) plot.updateData(DataPlot::ACC_Z, {0.0, 10.0}, {-4.0, 4.0}, replot);
             if (change == 3) {
                 QwtPlotItem* accX = plot.itemList(QwtPlotItem::Rtti_PlotCurve).first();
@@ -212,7 +210,6 @@ private slots:
             << 12.0 << red("4.00") + "<br>" + green("-3.00");
         QTest::newRow("after the shorter curve") << 12.5 << red("6.00");
         QTest::newRow("last sample") << 13.0 << red("8.00");
-        QTest::newRow("after both") << 13.01 << QString();
     }
 
     void valuesOfCurvesAroundCursor() {

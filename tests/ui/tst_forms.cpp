@@ -29,20 +29,6 @@ private slots:
         QVERIFY(ui.pushButton_reset->toolTip().endsWith("compensate magnetic distorsions."));
     }
 
-    void choosingASensorReleasesThePreviousOne() {
-        QMainWindow window;
-        Ui::MainWindow ui;
-        ui.setupUi(&window);
-        window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window));
-        QVERIFY(ui.pushButton_accel->isChecked());
-        QTest::mouseClick(ui.pushButton_mag, Qt::LeftButton);
-        QVERIFY(ui.pushButton_mag->isChecked());
-        QVERIFY(!ui.pushButton_accel->isChecked());
-        QTest::mouseClick(ui.pushButton_temper, Qt::LeftButton);
-        QVERIFY(!ui.pushButton_mag->isChecked());
-    }
-
     // The calibration dialog and the header carry sheets from the designer; a sheet put in their
     // place before the first show is what appears on screen.
     void replacedDesignerSheetsShowOnScreen() {

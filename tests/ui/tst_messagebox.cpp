@@ -54,7 +54,6 @@ private slots:
         QTest::newRow("first") << three << "Yes" << 0;
         QTest::newRow("middle") << three << "No" << 1;
         QTest::newRow("last") << three << "Cancel" << 2;
-        QTest::newRow("two, second") << QStringList{"Retry", "Abort"} << "Abort" << 1;
         QTest::newRow("Enter takes the first") << three << QString() << 0;
     }
 
