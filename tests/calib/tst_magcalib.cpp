@@ -36,13 +36,8 @@ Cloud ellipsoidCloud(int n, const Eigen::Vector3d& centre, const Eigen::Vector3d
 std::vector<double> toStd(const Eigen::VectorXd& v) { return {v.data(), v.data() + v.size()}; }
 
 void verifyDefaults(const MagCalib& calib) {
-    for (int i = 0; i < 9; ++i) {
-        QCOMPARE(calib.correction[i], (i % 4 == 0) ? 1.0 : 0.0);
-    }
-    for (int k = 0; k < 3; ++k) {
-        QCOMPARE(calib.scale[k], 1.0);
-        QCOMPARE(calib.offset[k], 0.0);
-    }
+    for (int i = 0; i < 9; ++i) QCOMPARE(calib.correction[i], (i % 4 == 0) ? 1.0 : 0.0);
+    for (int k = 0; k < 3; ++k) QVERIFY(calib.scale[k] == 1.0 && calib.offset[k] == 0.0);
 }
 
 // The correction is diagonal, with the scale on the diagonal.

@@ -74,12 +74,9 @@ private slots:
         const double scale[3] = {0.0213, 0.0198, 0.0225};
         const bw::_mag_calib_data r = packMagCalib(offset, scale);
         bw::_eeprom_data image{};
-        image.mag_scale[0] = r.scale_d0;
-        image.mag_scale[1] = r.scale_d1;
-        image.mag_scale[2] = r.scale_d2;
-        image.mag_offset[0] = r.offset_d0;
-        image.mag_offset[1] = r.offset_d1;
-        image.mag_offset[2] = r.offset_d2;
+        // Bytes 1 to 12 of the record are the scales d0 to d2, 13 to 24 the offsets.
+        std::memcpy(image.mag_scale, reinterpret_cast<const char*>(&r) + 1, 3 * sizeof(float));
+        std::memcpy(image.mag_offset, reinterpret_cast<const char*>(&r) + 13, 3 * sizeof(float));
         QVERIFY(eepromHoldsRecord(image, r));
         double o[3], s[3];
         unpackMagCalib(image, o, s);
