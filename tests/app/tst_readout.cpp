@@ -97,7 +97,6 @@ private slots:
         QTest::newRow("5 s of a long series") << 100000 << 5 << 100000 - 2600;
         QTest::newRow("60 s of a long series") << 100000 << 60 << 100000 - 31200;
         QTest::newRow("shorter than the window") << 1000 << 5 << 0;
-        QTest::newRow("exactly the window") << 2600 << 5 << 0;
         QTest::newRow("empty") << 0 << 10 << 0;
     }
     void imuWindowCarriesThirtyPercentMore() {
@@ -133,7 +132,6 @@ private slots:
         QTest::addColumn<int>("seconds");
         QTest::newRow("5 sec") << "Last 5 sec" << 5;
         QTest::newRow("minutes") << "Last 2 min" << 120;
-        QTest::newRow("hours") << "Last 1 hours" << 3600;
         QTest::newRow("unknown unit") << "Last 7 fortnights" << 7;
         QTest::newRow("unit case matters") << "Last 3 MIN" << 3;
         QTest::newRow("empty") << "" << -1;

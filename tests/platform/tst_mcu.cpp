@@ -205,7 +205,6 @@ private slots:
         QTest::addColumn<double>("rollDeg");
         QTest::addColumn<double>("pitchDeg");
         QTest::newRow("north, level") << 0.0 << 0.0 << 0.0;
-        QTest::newRow("east, rolled") << -90.0 << 35.0 << 0.0;
         QTest::newRow("north-east, both") << -45.0 << -25.0 << 30.0;
     }
 

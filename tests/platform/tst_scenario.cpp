@@ -120,12 +120,6 @@ private slots:
         QTest::newRow("readback count missing")
             << "faults=eeprom_readback"
             << "camera 1: missing count (eeprom_readback=N) in \"faults=eeprom_readback\"";
-        QTest::newRow("two numbers")
-            << "hard_iron=1,2"
-            << "camera 1: expected 3 comma-separated numbers in \"hard_iron=1,2\"";
-        QTest::newRow("IMU rate zero")
-            << "imu_rate=0"
-            << "camera 1: IMU rate out of range (1 to 100000 Hz) in \"imu_rate=0\"";
         QTest::newRow("unplug before plug")
             << "model=ORYX_B; unplug=3 plug=5"
             << "camera 2: unplug time in \"unplug=3\" is not after the plug time (5 s)";

@@ -236,7 +236,6 @@ private slots:
         QTest::addColumn<double>("down");
         QTest::addColumn<bool>("boxOnRight");
         QTest::newRow("left, middle") << 0.3 << 0.5 << true;
-        QTest::newRow("near the right edge") << 0.97 << 0.5 << false;
         QTest::newRow("near the bottom right corner") << 0.97 << 0.99 << false;
     }
 

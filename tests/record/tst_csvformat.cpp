@@ -67,9 +67,6 @@ private slots:
         QTest::newRow("magnetometer")
             << QStringList{"magnetometer"} << "idx,mag_Timestamp[sec],magX[uT],magY[uT],magZ[uT],\n"
             << QList<int>{2, 10, 11, 12};
-        QTest::newRow("barometer")
-            << QStringList{"barometer"} << "idx,baro_Timestamp[sec],press[hPa],rel_alt[m],\n"
-            << QList<int>{3, 16, 17};
         QTest::newRow("temperatures")
             << QStringList{"temperatures"}
             << "idx,imu_Timestamp[sec],baro_Timestamp[sec],temp_left[C],temp_right[C],"
@@ -188,7 +185,6 @@ private slots:
         // Stored as a string, booleans and an integer, at top level.
         QCOMPARE(TempSettings::stored("save_folder").toString(), written.saveFolder);
         QCOMPARE(TempSettings::stored("accelerometer").toBool(), false);
-        QCOMPARE(TempSettings::stored("gyroscope").toBool(), true);
         QCOMPARE(TempSettings::stored("sample_freq").toInt(), 25);
     }
 
