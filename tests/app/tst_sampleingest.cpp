@@ -124,9 +124,8 @@ private slots:
         d.magnetometer.magnetic_field_calibrated = {1.f, 2.f, 3.f};
         ingest.ingest(d);
         QVERIFY(!levels->magIsCalibrated);
-        d = record(kStart + 2 * kImuPeriod);
-        d.magnetometer.magnetic_field_uncalibrated = {1.f, 2.f, 3.f};
-        d.magnetometer.magnetic_field_calibrated = {1.f, 2.f, 3.5f};
+        d.imu.timestamp += kImuPeriod;
+        d.magnetometer.magnetic_field_calibrated.z = 3.5f;
         ingest.ingest(d);
         QVERIFY(levels->magIsCalibrated);
     }
