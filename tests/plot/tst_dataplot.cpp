@@ -21,13 +21,6 @@ QStringList visibleCurveTitles(const QwtPlot& plot) {
     return titles;
 }
 
-const QwtPlotCurve* curveTitled(const QwtPlot& plot, const QString& title) {
-    for (const QwtPlotItem* item : plot.itemList(QwtPlotItem::Rtti_PlotCurve)) {
-        if (item->title().text() == title) return static_cast<const QwtPlotCurve*>(item);
-    }
-    return nullptr;
-}
-
 // A plot on screen with some accelerometer data, values -5..5 over 0..10 s.
 std::unique_ptr<DataPlot> shownPlotWithData() {
     auto plot = std::make_unique<DataPlot>();
@@ -115,10 +108,12 @@ private slots:
     void updateDataUsesShorterVector() {
         DataPlot plot;
         plot.updateData(DataPlot::MAG_Y, {1.0, 2.0, 3.0}, {10.0, 20.0}, false);
-        const QwtPlotCurve* curve = curveTitled(plot, "Mag. Y");
+        const QwtPlotItemList curves = plot.itemList(QwtPlotItem::Rtti_PlotCurve);
+        const auto* curve = static_cast<const QwtPlotCurve*>(curves[DataPlot::MAG_Y]);
+        QCOMPARE(curve->title().text(), QString("Mag. Y"));
         QCOMPARE(curve->dataSize(), size_t(2));
         QCOMPARE(curve->sample(1), QPointF(2.0, 20.0));
-        QCOMPARE(curveTitled(plot, "Mag. X")->dataSize(), size_t(0));  // only the one addressed
+        QCOMPARE(static_cast<const QwtPlotCurve*>(curves[DataPlot::MAG_X])->dataSize(), size_t(0));
     }
 
     // A change made with replot false leaves the screen as it was until replot(); made with
