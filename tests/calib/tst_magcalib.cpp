@@ -1,6 +1,5 @@
 #include <QtTest>
 #include <cmath>
-#include <random>
 #include <vector>
 
 #include "mag_calib.h"
