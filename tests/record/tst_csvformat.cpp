@@ -55,38 +55,41 @@ private slots:
     void initTestCase() { QVERIFY(settings.isValid()); }
     void init() { TempSettings::clear(); }
 
-    // The header lists the chosen groups' titles, the row puts each value under its title. A
-    // group's time stamp comes with it; "moving, " keeps its blank.
+    // No group, each group alone, and all of them: the header lists the chosen groups' titles,
+    // the row puts each value under its title. A group's time stamp comes with it; "moving, "
+    // keeps its blank.
     void headerAndRowOfTheChosenGroups_data() {
         QTest::addColumn<QStringList>("keys");
         QTest::addColumn<QString>("header");
         QTest::addColumn<QList<int>>("values");
-        QTest::newRow("none") << QStringList() << "idx,\n" << QList<int>();
-        QTest::newRow("movement") << QStringList{"movement"} << "idx,imu_Timestamp[sec],moving, \n"
-                                  << QList<int>{1, 18};
-        QTest::newRow("magnetometer")
-            << QStringList{"magnetometer"} << "idx,mag_Timestamp[sec],magX[uT],magY[uT],magZ[uT],\n"
-            << QList<int>{2, 10, 11, 12};
-        QTest::newRow("temperatures")
-            << QStringList{"temperatures"}
-            << "idx,imu_Timestamp[sec],baro_Timestamp[sec],temp_left[C],temp_right[C],"
-               "temp_imu[C],temp_barom[C],\n"
-            << QList<int>{1, 3, 19, 20, 21, 22};
-        QTest::newRow("gyroscope and orientation")
-            << QStringList{"gyroscope", "orientation"}
-            << "idx,imu_Timestamp[sec],gyroX[deg/s],gyroY[deg/s],gyroZ[deg/s],orX[deg],orY[deg],"
-               "orZ[deg],\n"
-            << QList<int>{1, 7, 8, 9, 13, 14, 15};
+        const auto row = [](const QString& group, const char* titles, const QList<int>& values) {
+            QStringList keys;
+            for (const auto& g : kGroups) {
+                if (group == "all" || group == g.first) keys << g.first;
+            }
+            QTest::newRow(qPrintable(group)) << keys << QString("idx,%1\n").arg(titles) << values;
+        };
+        row("none", "", {});
+        row("accelerometer", "imu_Timestamp[sec],accX[m/s^2],accY[m/s^2],accZ[m/s^2],",
+            {1, 4, 5, 6});
+        row("gyroscope", "imu_Timestamp[sec],gyroX[deg/s],gyroY[deg/s],gyroZ[deg/s],",
+            {1, 7, 8, 9});
+        row("magnetometer", "mag_Timestamp[sec],magX[uT],magY[uT],magZ[uT],", {2, 10, 11, 12});
+        row("orientation", "imu_Timestamp[sec],orX[deg],orY[deg],orZ[deg],", {1, 13, 14, 15});
+        row("barometer", "baro_Timestamp[sec],press[hPa],rel_alt[m],", {3, 16, 17});
+        row("temperatures",
+            "imu_Timestamp[sec],baro_Timestamp[sec],temp_left[C],temp_right[C],temp_imu[C],"
+            "temp_barom[C],",
+            {1, 3, 19, 20, 21, 22});
+        row("movement", "imu_Timestamp[sec],moving, ", {1, 18});
         QList<int> all;
         for (int i = 1; i <= 22; ++i) all << i;
-        QTest::newRow("all")
-            << QStringList{"accelerometer", "gyroscope",    "magnetometer", "orientation",
-                           "barometer",     "temperatures", "movement"}
-            << "idx,imu_Timestamp[sec],mag_Timestamp[sec],baro_Timestamp[sec],accX[m/s^2],"
-               "accY[m/s^2],accZ[m/s^2],gyroX[deg/s],gyroY[deg/s],gyroZ[deg/s],magX[uT],magY[uT],"
-               "magZ[uT],orX[deg],orY[deg],orZ[deg],press[hPa],rel_alt[m],moving, temp_left[C],"
-               "temp_right[C],temp_imu[C],temp_barom[C],\n"
-            << all;
+        row("all",
+            "imu_Timestamp[sec],mag_Timestamp[sec],baro_Timestamp[sec],accX[m/s^2],accY[m/s^2],"
+            "accZ[m/s^2],gyroX[deg/s],gyroY[deg/s],gyroZ[deg/s],magX[uT],magY[uT],magZ[uT],"
+            "orX[deg],orY[deg],orZ[deg],press[hPa],rel_alt[m],moving, temp_left[C],temp_right[C],"
+            "temp_imu[C],temp_barom[C],",
+            all);
     }
 
     void headerAndRowOfTheChosenGroups() {
