@@ -141,10 +141,10 @@ private slots:
     void badValuesAreRefused() {
         const QByteArray texts =
             "=|;;;=;;|model==|model=|model=6|faults=,,,|faults=open,|faults=open,smoke|"
-            "hard_iron=,,|hard_iron=1,nan,2|soft_iron=1e-400,1,1|soft_iron=1,0,1|soft_iron=1,1,1,1|"
-            "id=99999999999999999999|id=-1|serial=0|serial=4294967296|plug=1e999|plug=-1|seed=-0|"
-            "seed=12x|imu_rate=100001|imu_rate=fast|unplug=0|serial=31007936; model=ORYX_D|"
-            "\x01\xff=\x80";
+            "hard_iron=,,|hard_iron=1,2|hard_iron=1,nan,2|soft_iron=1e-400,1,1|soft_iron=1,0,1|"
+            "soft_iron=1,1,1,1|id=99999999999999999999|id=-1|serial=0|serial=4294967296|"
+            "plug=1e999|plug=-1|unplug=0|seed=-0|seed=12x|imu_rate=0|imu_rate=100001|"
+            "imu_rate=fast|serial=31007936; model=ORYX_D|\x01\xff=\x80";
         for (const QByteArray& text : texts.split('|')) {
             QVERIFY2(!parse(text.constData()).ok, text.constData());
         }
