@@ -58,8 +58,6 @@ public:
     bool isInitialised() const { return initialised; }
     const CameraGL* viewCamera() const { return camera; }
     const Simple3DObject* model() const { return cameraModel; }
-    const Simple3DObject* grid() const { return floorGrid; }
-    const Simple3DObject* fixedAxis() const { return axis; }
     bw::Orientation modelOrientation() const;
     bw::Translation modelPosition() const;
     float getViewWidth() const { return viewWidth; }

@@ -52,12 +52,3 @@ void RecOptions::saveRecSettings() {
     settings.setValue(kFrequencyKey, sampleFreq);
     settings.sync();
 }
-
-QStringList RecOptions::settingsKeys() {
-    QStringList keys{kFolderKey};
-    for (const GroupKey& group : kGroupKeys) {
-        keys << QLatin1String(group.key);
-    }
-    keys << kFrequencyKey;
-    return keys;
-}

@@ -2,7 +2,6 @@
 #define ORYX_RECORD_RECOPTIONS_H
 
 #include <QString>
-#include <QStringList>
 
 // What a CSV recording writes and where: the folder, the column groups and the row rate.
 // Persisted in the user's settings (organisation "Brindlewick", application "ORYXSensorData"),
@@ -17,9 +16,6 @@ public:
     void loadRecSettings();
     // Writes every key and flushes the store.
     void saveRecSettings();
-
-    // The settings keys in the order they are read and written.
-    static QStringList settingsKeys();
 
     QString saveFolder;  // folder for new recordings; the home directory by default
     bool accelerometer = true;

@@ -1,7 +1,7 @@
 #include <QtTest>
 
-#include "mainwindow.h"
 #include "WidgetTestMain.h"
+#include "mainwindow.h"
 
 class TestMainWindow : public QObject {
     Q_OBJECT

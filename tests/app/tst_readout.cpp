@@ -1,6 +1,9 @@
-// The live readout's texts, byte for byte, and its rate label.
+// What the main window shows of the samples: the live readout's texts, byte for byte, its rate
+// label, and how much of the series the chart takes and how often it redraws. The time axis is
+// checked on the main window.
 #include <QtTest>
 
+#include "ChartWindow.h"
 #include "SensorReadout.h"
 
 namespace {
@@ -38,7 +41,6 @@ private slots:
         QTest::newRow("just below") << 400.0 << 399.2 << "400 Hz";
         QTest::newRow("far above") << 400.0 << 612.0 << "400 Hz";
         QTest::newRow("rounded up") << 50.0 << 48.01 << "49 Hz";
-        QTest::newRow("whole") << 25.0 << 24.0 << "24 Hz";
         QTest::newRow("nothing yet") << 400.0 << 0.0 << "0 Hz";
     }
     void rateNeverExceedsTheNominalRate() {
@@ -48,64 +50,32 @@ private slots:
         QCOMPARE(rateText(nominal, effective), text);
     }
 
+    // The three fields and the rate label of each sensor, separated by "|".
     void fieldTexts_data() {
         QTest::addColumn<QString>("sensor");
-        QTest::addColumn<QString>("field0");
-        QTest::addColumn<QString>("field1");
-        QTest::addColumn<QString>("field2");
-        QTest::addColumn<QString>("rate");
-        QTest::newRow("accelerometer") << "Accelerometer"
-                                       << "X 9.810 m/s²"
-                                       << "Y 0.500 m/s²"
-                                       << "Z -0.250 m/s²"
-                                       << "400 Hz";
-        QTest::newRow("unknown reads as accelerometer") << "Sonar"
-                                                        << "X 9.810 m/s²"
-                                                        << "Y 0.500 m/s²"
-                                                        << "Z -0.250 m/s²"
-                                                        << "400 Hz";
-        QTest::newRow("gyroscope") << "Gyroscope"
-                                   << "X 1.500 °/s"
-                                   << "Y -12.345 °/s"
-                                   << "Z 0.000 °/s"
-                                   << "400 Hz";
-        QTest::newRow("magnetometer") << "Magnetometer"
-                                      << "X 21.000 µT"
-                                      << "Y -3.063 µT"
-                                      << "Z -42.500 µT"
-                                      << "50 Hz";
-        QTest::newRow("orientation") << "Orientation"
-                                     << "X -179.500°"
-                                     << "Y 0.001°"
-                                     << "Z 45.000°"
-                                     << "400 Hz";
-        QTest::newRow("barometer") << "Barometer"
-                                   << "Atmospheric Pressure 1013.25 hPa"
-                                   << ""
-                                   << ""
-                                   << "25 Hz";
+        QTest::addColumn<QString>("texts");
+        const auto row = [](const char* sensor, const char* texts) {
+            QTest::newRow(sensor) << QString(sensor) << QString::fromUtf8(texts);
+        };
+        row("Accelerometer", "X 9.810 m/s²|Y 0.500 m/s²|Z -0.250 m/s²|400 Hz");
+        row("Sonar", "X 9.810 m/s²|Y 0.500 m/s²|Z -0.250 m/s²|400 Hz");  // reads as accelerometer
+        row("Gyroscope", "X 1.500 °/s|Y -12.345 °/s|Z 0.000 °/s|400 Hz");
+        row("Magnetometer", "X 21.000 µT|Y -3.063 µT|Z -42.500 µT|50 Hz");
+        row("Orientation", "X -179.500°|Y 0.001°|Z 45.000°|400 Hz");
+        row("Barometer", "Atmospheric Pressure 1013.25 hPa|||25 Hz");
         // Crossed on purpose: "Right" shows the left sensor.
-        QTest::newRow("temperature") << "Camera Temperature"
-                                     << "Right 41.26°C"
-                                     << "Left 7.00°C"
-                                     << ""
-                                     << "25 Hz";
+        row("Camera Temperature", "Right 41.26°C|Left 7.00°C||25 Hz");
     }
+
     void fieldTexts() {
         QFETCH(QString, sensor);
-        QFETCH(QString, field0);
-        QFETCH(QString, field1);
-        QFETCH(QString, field2);
-        QFETCH(QString, rate);
+        QFETCH(QString, texts);
         SensorLevels levels;
         levels.imuEffectiveRate = 400.4;
         levels.magEffectiveRate = 49.7;
         levels.baroEffectiveRate = 25.2;
         const SensorReadout r = readoutFor(sensor, oneRow(), levels);
-        QCOMPARE(r.fields[0], field0);
-        QCOMPARE(r.fields[1], field1);
-        QCOMPARE(r.fields[2], field2);
-        QCOMPARE(r.rate, rate);
+        QCOMPARE(QStringList({r.fields[0], r.fields[1], r.fields[2], r.rate}).join('|'), texts);
     }
 
     void narrowValuesArePaddedToTheFieldWidth() {
@@ -116,6 +86,60 @@ private slots:
         QCOMPARE(readoutFor("Accelerometer", s, levels).fields[0], QString("X 0.500 m/s²"));
         QCOMPARE(readoutFor("Barometer", s, levels).fields[0],
                  QString("Atmospheric Pressure    5.50 hPa"));
+    }
+
+    // ---- chart ----
+
+    void imuWindowCarriesThirtyPercentMore_data() {
+        QTest::addColumn<int>("size");
+        QTest::addColumn<int>("seconds");
+        QTest::addColumn<int>("start");
+        QTest::newRow("5 s of a long series") << 100000 << 5 << 100000 - 2600;
+        QTest::newRow("60 s of a long series") << 100000 << 60 << 100000 - 31200;
+        QTest::newRow("shorter than the window") << 1000 << 5 << 0;
+        QTest::newRow("empty") << 0 << 10 << 0;
+    }
+    void imuWindowCarriesThirtyPercentMore() {
+        QFETCH(int, size);
+        QFETCH(int, seconds);
+        QFETCH(int, start);
+        QCOMPARE(chart::imuStartIndex(size, seconds, 400), start);
+    }
+
+    void eventWindowHasNoMargin() {
+        QCOMPARE(chart::eventStartIndex(1000, 10, 50), 500);
+        QCOMPARE(chart::eventStartIndex(400, 10, 50), 0);
+        QCOMPARE(chart::eventStartIndex(250, 10, 25), 0);
+    }
+
+    void redrawSlowsDownWithMorePoints_data() {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("period");
+        QTest::newRow("5 s at 400 Hz") << 2600 << 25;
+        QTest::newRow("last at 25 ms") << 12499 << 25;
+        QTest::newRow("first proportional") << 12500 << 25;
+        QTest::newRow("last proportional") << 249999 << 499;
+        QTest::newRow("capped") << 250000 << 500;
+    }
+    void redrawSlowsDownWithMorePoints() {
+        QFETCH(int, count);
+        QFETCH(int, period);
+        QCOMPARE(chart::refreshPeriodMs(count), period);
+    }
+
+    void timeRangeFromTheComboText_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("seconds");
+        QTest::newRow("5 sec") << "Last 5 sec" << 5;
+        QTest::newRow("minutes") << "Last 2 min" << 120;
+        QTest::newRow("unknown unit") << "Last 7 fortnights" << 7;
+        QTest::newRow("unit case matters") << "Last 3 MIN" << 3;
+        QTest::newRow("empty") << "" << -1;
+    }
+    void timeRangeFromTheComboText() {
+        QFETCH(QString, text);
+        QFETCH(int, seconds);
+        QCOMPARE(chart::timeRangeFromText(text, "sec", "min", "hours"), seconds);
     }
 };
 

@@ -62,12 +62,6 @@ private slots:
         QCOMPARE(series.imuRate.size(), 1);
         QVERIFY(std::fabs(series.imuRate[0] - 400.0) < 1e-6);
         QCOMPARE(series.imuTime[0], (kStart + kImuPeriod) / 1e9);
-    }
-
-    void repeatedTimestampAppendsNothing() {
-        SampleIngest ingest(series, *levels, mutex);
-        ingest.ingest(record(kStart));
-        ingest.ingest(record(kStart + kImuPeriod));
         QCOMPARE(ingest.ingest(record(kStart + kImuPeriod)), SampleIngest::Outcome::Repeated);
         QCOMPARE(series.rows(), 1);
         QCOMPARE(series.imuRate.size(), 1);
@@ -130,9 +124,8 @@ private slots:
         d.magnetometer.magnetic_field_calibrated = {1.f, 2.f, 3.f};
         ingest.ingest(d);
         QVERIFY(!levels->magIsCalibrated);
-        d = record(kStart + 2 * kImuPeriod);
-        d.magnetometer.magnetic_field_uncalibrated = {1.f, 2.f, 3.f};
-        d.magnetometer.magnetic_field_calibrated = {1.f, 2.f, 3.5f};
+        d.imu.timestamp += kImuPeriod;
+        d.magnetometer.magnetic_field_calibrated.z = 3.5f;
         ingest.ingest(d);
         QVERIFY(levels->magIsCalibrated);
     }
@@ -206,7 +199,7 @@ private slots:
 
     void rowSpacingForEachRecordingRate_data() {
         QTest::addColumn<double>("frequency");
-        for (double f : {400.0, 200.0, 100.0, 50.0, 25.0, 10.0, 5.0, 1.0})
+        for (double f : {400.0, 100.0, 25.0, 1.0})
             QTest::newRow(qPrintable(QString::number(f))) << f;
     }
     void rowSpacingForEachRecordingRate() {
@@ -214,9 +207,9 @@ private slots:
         CountingRecorder recorder;
         recorder.frequency = frequency;
         SampleIngest ingest(series, *levels, mutex, &recorder);
-        // A minute at 400 Hz with realistic jitter of the timestamps.
+        // Half a minute at 400 Hz with realistic jitter of the timestamps.
         std::uint64_t t = kStart;
-        for (int i = 0; i <= 400 * 60; ++i) {
+        for (int i = 0; i <= 400 * 30; ++i) {
             ingest.ingest(record(t));
             t += kImuPeriod + ((i * 7919) % 41 - 20) * 1000;
         }
@@ -226,17 +219,10 @@ private slots:
         const double periods = minimumRowSpacing(frequency, 400.0) / 0.0025;
         const double lowest = 400.0 / (std::floor(periods) + 1.0);
         const double highest = 400.0 / std::ceil(periods - 1e-9);
-        const double perSecond = recorder.rows.size() / 60.0;
+        const double perSecond = recorder.rows.size() / 30.0;
         QVERIFY2(perSecond >= lowest - 0.05 && perSecond <= highest + 0.05,
                  qPrintable(QString("%1 rows/s for %2 Hz").arg(perSecond).arg(frequency)));
         QVERIFY(perSecond >= frequency - 0.05);
-    }
-
-    void minimumSpacing() {
-        QCOMPARE(minimumRowSpacing(400.0, 400.0), 0.9 / 400.0);
-        QCOMPARE(minimumRowSpacing(200.0, 400.0), 0.9 / 200.0);
-        QCOMPARE(minimumRowSpacing(25.0, 400.0), 375.0 / 10000.0);
-        QCOMPARE(minimumRowSpacing(1.0, 400.0), 399.0 / 400.0);
     }
 };
 

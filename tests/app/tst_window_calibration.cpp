@@ -5,10 +5,10 @@
 
 #include "MessageBoxWatcher.h"
 #include "SimulatedCameras.h"
+#include "WidgetTestMain.h"
 #include "magcalibdlg.h"
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
-#include "WidgetTestMain.h"
 
 class TestWindowCalibration : public QObject {
     Q_OBJECT

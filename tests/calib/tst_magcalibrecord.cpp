@@ -1,8 +1,13 @@
-// The pure parts of the calibration dialog: device-to-dialog axes, the EEPROM record and its
-// read-back, and the choice of calibratable cameras from the HID listing.
+// The parts of the calibration dialog that need no camera: device-to-dialog axes, the EEPROM
+// record and its read-back, the choice of calibratable cameras from the HID listing, and the
+// curves of its plots.
+#include <qwt_plot.h>
+
 #include <QtTest>
 #include <cstring>
 
+#include "WidgetTestMain.h"
+#include "magcalibdlg.h"
 #include "magcalibrecord.h"
 
 namespace {
@@ -65,36 +70,14 @@ private slots:
         QCOMPARE(floatAt(r, 21), 3.75f);   // offset d2 = offset z
     }
 
-    // A calibration computed in the dialog's axes corrects device samples the same way once it
-    // is stored in device axes: the two conventions must agree sample by sample.
-    void storedRecordCorrectsDeviceSamplesAsTheDialogDoes() {
-        const double offset[3] = {12.3, -4.5, 6.7};
-        const double scale[3] = {0.021, 0.019, 0.023};
-        const bw::_mag_calib_data r = packMagCalib(offset, scale);
-        const std::int16_t d[3] = {300, -500, 250};
-        const MagAxes a = magAxesFromRaw(d[0], d[1], d[2]);
-        const double dialog[3] = {(a.x - offset[0]) * scale[0], (a.y - offset[1]) * scale[1],
-                                  (a.z - offset[2]) * scale[2]};
-        const double dev0 = (d[0] / 16.0 - r.offset_d0) * r.scale_d0;
-        const double dev1 = (d[1] / 16.0 - r.offset_d1) * r.scale_d1;
-        const double dev2 = (d[2] / 16.0 - r.offset_d2) * r.scale_d2;
-        // Corrected device axes map to the dialog's axes like the raw ones: x = -d1, y = d0.
-        QVERIFY(std::abs(dialog[0] - -dev1) < 1e-5);
-        QVERIFY(std::abs(dialog[1] - dev0) < 1e-5);
-        QVERIFY(std::abs(dialog[2] - dev2) < 1e-5);
-    }
-
     void readBackReproducesTheDialogValues() {
         const double offset[3] = {17.3, -8.1, 0.7};
         const double scale[3] = {0.0213, 0.0198, 0.0225};
         const bw::_mag_calib_data r = packMagCalib(offset, scale);
         bw::_eeprom_data image{};
-        image.mag_scale[0] = r.scale_d0;
-        image.mag_scale[1] = r.scale_d1;
-        image.mag_scale[2] = r.scale_d2;
-        image.mag_offset[0] = r.offset_d0;
-        image.mag_offset[1] = r.offset_d1;
-        image.mag_offset[2] = r.offset_d2;
+        // Bytes 1 to 12 of the record are the scales d0 to d2, 13 to 24 the offsets.
+        std::memcpy(image.mag_scale, reinterpret_cast<const char*>(&r) + 1, 3 * sizeof(float));
+        std::memcpy(image.mag_offset, reinterpret_cast<const char*>(&r) + 13, 3 * sizeof(float));
         QVERIFY(eepromHoldsRecord(image, r));
         double o[3], s[3];
         unpackMagCalib(image, o, s);
@@ -111,14 +94,6 @@ private slots:
                 other.mag_offset[i - 3] += 1e-3f;
             QVERIFY2(!eepromHoldsRecord(other, r), qPrintable(QString::number(i)));
         }
-    }
-
-    void identityRecord() {
-        const double offset[3] = {0.0, 0.0, 0.0};
-        const double scale[3] = {1.0, 1.0, 1.0};
-        const bw::_mag_calib_data r = packMagCalib(offset, scale);
-        for (int i = 0; i < 3; ++i) QCOMPARE(floatAt(r, 1 + 4 * i), 1.f);
-        for (int i = 0; i < 3; ++i) QCOMPARE(floatAt(r, 13 + 4 * i), 0.f);
     }
 
     void deviceFilterKeepsMagnetometerModels() {
@@ -147,7 +122,19 @@ private slots:
         QCOMPARE(list.serials, (QVector<QString>{"30000005", "30000006"}));
         QVERIFY(filterMagDevices({}).serials.isEmpty());
     }
+
+    // The XZ curve of the calibrated plot keeps its old title.
+    void calibratedCurveTitles() {
+        MagCalibDlg dialog(1, nullptr);  // no such camera; the dialog only reports it, queued
+        QStringList titles;
+        for (const QwtPlotItem* item : dialog.findChild<QwtPlot*>("widget_plot_calibrated")
+                                           ->itemList(QwtPlotItem::Rtti_PlotCurve)) {
+            titles << item->title().text();
+        }
+        QCOMPARE(titles,
+                 QStringList({"Calibrated Mag XY", "Calibrated Mag Xz", "Calibrated Mag YZ"}));
+    }
 };
 
-QTEST_APPLESS_MAIN(TestMagCalibRecord)
+WIDGET_TEST_MAIN(TestMagCalibRecord)
 #include "tst_magcalibrecord.moc"

@@ -48,12 +48,7 @@ private slots:
         QCOMPARE(listedSerials(mono), (std::vector<unsigned>{17, 18}));
 
         QCOMPARE(entry(stereo, 14)->bus_type, bw::BUS_TYPE::USB);
-        QCOMPARE(entry(stereo, 15)->bus_type, bw::BUS_TYPE::GMSL);
-        QCOMPARE(entry(mono, 18)->bus_type, bw::BUS_TYPE::GMSL);
         COMPARE_CODE(entry(stereo, 16)->camera_model, MODEL::ORYX_F);
-        QCOMPARE(entry(stereo, 16)->id, 2);
-        QCOMPARE(entry(stereo, 16)->path, std::string("/dev/video4"));
-        QCOMPARE(entry(mono, 17)->camera_state, bw::CAMERA_STATE::AVAILABLE);
     }
 
     void serialsAreCompletedAndUnique() {
@@ -63,9 +58,6 @@ private slots:
         COMPARE_CODE(serials[0], DeviceConfig::defaultSerial(MODEL::ORYX_D, 0));
         COMPARE_CODE(serials[1], DeviceConfig::defaultSerial(MODEL::ORYX_C, 1));
         QCOMPARE(serials[2], 777u);
-        QCOMPARE(serials[0] / 10'000'000, 3u);  // the model digit leads
-        QCOMPARE(Bus::instance().config(serials[1])->serial, serials[1]);
-        QVERIFY(!Bus::instance().config(1234).has_value());
 
         // plug() finds a serial nobody uses, and refuses a duplicate.
         const unsigned added = Bus::instance().plug(camera(MODEL::ORYX_D));
@@ -73,9 +65,6 @@ private slots:
         QVERIFY(listed(added));
         QVERIFY_EXCEPTION_THROWN(Bus::instance().plug(camera(MODEL::ORYX_B, 777)),
                                  std::invalid_argument);
-        QVERIFY_EXCEPTION_THROWN(
-            Bus::instance().load({camera(MODEL::ORYX_B, 5), camera(MODEL::ORYX_C, 5)}),
-            std::invalid_argument);
     }
 
     void cablesPulledByHand() {
@@ -89,8 +78,6 @@ private slots:
         QVERIFY(Bus::instance().replug(30000001));
         QVERIFY(!Bus::instance().replug(30000001));
         QVERIFY(listed(30000001));
-        QVERIFY(!Bus::instance().unplug(99));
-        QVERIFY(!Bus::instance().replug(99));
 
         Bus::instance().load({});
         QVERIFY(bw::Camera::getDeviceList().empty());
@@ -142,19 +129,6 @@ private slots:
         list = bw::Camera::getDeviceList();
         QCOMPARE(entry(list, 30000003)->camera_state, bw::CAMERA_STATE::AVAILABLE);
         COMPARE_CODE(third.open(bySerial(30000003)), bw::SUCCESS);
-    }
-
-    void faultsAreKeptPerCamera() {
-        SimScope sim({camera(MODEL::ORYX_D, 30000004), camera(MODEL::ORYX_D, 30000005)});
-        bw::sim::Faults faults;
-        faults.magSaturated = true;
-        faults.eepromBadReads = 3;
-        QVERIFY(Bus::instance().setFaults(30000004, faults));
-        QVERIFY(!Bus::instance().setFaults(1, faults));
-        QVERIFY(Bus::instance().faults(30000004)->magSaturated);
-        QCOMPARE(Bus::instance().config(30000004)->faults.eepromBadReads, 3);
-        QVERIFY(!Bus::instance().faults(30000005)->magSaturated);
-        QVERIFY(!Bus::instance().faults(2).has_value());
     }
 
     // Lists, cables and sensor reads from several threads at once; run under ThreadSanitizer.

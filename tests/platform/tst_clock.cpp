@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <future>
 #include <thread>
-#include <vector>
 
 using bw::sim::Clock;
 using bw::sim::VirtualTimeScope;
@@ -18,22 +17,14 @@ constexpr std::uint64_t kStart = Clock::kVirtualEpochNs;
 // time-out then fails the run.
 constexpr std::chrono::microseconds kForever = std::chrono::hours(1);
 
-std::uint64_t systemNowNs() {
-    return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(
-                                          std::chrono::system_clock::now().time_since_epoch())
-                                          .count());
-}
-
 // Runs waitUntil on another thread; the future holds the clock reading it returned.
-std::future<std::uint64_t> waitInBackground(std::uint64_t target,
-                                            std::chrono::microseconds maxWait = kForever) {
+std::future<std::uint64_t> waitInBackground(std::uint64_t target) {
     std::promise<void> started;
     std::future<void> isStarted = started.get_future();
-    auto result =
-        std::async(std::launch::async, [target, maxWait, started = std::move(started)]() mutable {
-            started.set_value();
-            return Clock::waitUntil(target, maxWait);
-        });
+    auto result = std::async(std::launch::async, [target, started = std::move(started)]() mutable {
+        started.set_value();
+        return Clock::waitUntil(target, kForever);
+    });
     isStarted.wait();
     // Give the waiter time to block, so that the advance below really has to wake it.
     std::this_thread::sleep_for(20ms);
@@ -48,40 +39,36 @@ class ClockTest : public QObject {
 private slots:
     void cleanup() { Clock::useRealTime(); }
 
-    void virtualTimeStandsStillUntilAdvanced() {
+    void virtualTimeMovesOnlyForwardAndWhenTold() {
         VirtualTimeScope scope(kStart);
         QVERIFY(Clock::isVirtual());
-        QCOMPARE(Clock::nowNs(), kStart);
         std::this_thread::sleep_for(10ms);
         QCOMPARE(Clock::nowNs(), kStart);
-
         Clock::advanceBy(2'500'000);
         QCOMPARE(Clock::nowNs(), kStart + 2'500'000);
         Clock::advanceTo(kStart + 10'000'000);
-        QCOMPARE(Clock::nowNs(), kStart + 10'000'000);
-    }
-
-    void virtualTimeNeverRunsBackwards() {
-        VirtualTimeScope scope(kStart + 1000);
         Clock::advanceTo(kStart);
-        QCOMPARE(Clock::nowNs(), kStart + 1000);
+        QCOMPARE(Clock::nowNs(), kStart + 10'000'000);
         // A waiter for a moment already past gets the current time, not its target.
         Clock::setAutoAdvanceLimit(UINT64_MAX);
-        QCOMPARE(Clock::waitUntil(kStart + 500, kForever), kStart + 1000);
-        QCOMPARE(Clock::nowNs(), kStart + 1000);
+        QCOMPARE(Clock::waitUntil(kStart + 500, kForever), kStart + 10'000'000);
     }
 
-    void advanceWakesBlockedWaiters() {
+    // Blocked waiters wake when time is advanced past their target, or when the limit of
+    // automatic advance is raised past it.
+    void blockedWaitersWake() {
         VirtualTimeScope scope(kStart);
         auto first = waitInBackground(kStart + 1000);
         auto second = waitInBackground(kStart + 3000);
-
         Clock::advanceTo(kStart + 2000);
         QCOMPARE(first.get(), kStart + 2000);
         QVERIFY(second.wait_for(0s) != std::future_status::ready);
-
         Clock::advanceBy(5000);
         QCOMPARE(second.get(), kStart + 7000);
+
+        auto third = waitInBackground(kStart + 9000);
+        Clock::setAutoAdvanceLimit(kStart + 10'000);
+        QCOMPARE(third.get(), kStart + 9000);
     }
 
     void autoAdvanceJumpsUpToTheLimit_data() {
@@ -92,7 +79,6 @@ private slots:
         const quint64 start = kStart;
         const quint64 hour = 3'600'000'000'000ull;
         QTest::newRow("below limit") << start + 1000 << start + 400 << start + 400;
-        QTest::newRow("at limit") << start + 1000 << start + 1000 << start + 1000;
         QTest::newRow("beyond limit") << start + 1000 << start + 1001 << start;
         QTest::newRow("jumping forbidden") << quint64{0} << start + 1 << start;
         QTest::newRow("free running") << quint64{UINT64_MAX} << start + hour << start + hour;
@@ -109,44 +95,13 @@ private slots:
         QCOMPARE(Clock::nowNs(), std::uint64_t{expected});
     }
 
-    void raisingTheLimitReleasesAWaiter() {
-        VirtualTimeScope scope(kStart);
-        auto waiter = waitInBackground(kStart + 5000);
-        Clock::setAutoAdvanceLimit(kStart + 10'000);
-        QCOMPARE(waiter.get(), kStart + 5000);
-    }
-
-    void switchingModesResetsTheLimit() {
-        Clock::useVirtualTime(kStart);
-        Clock::setAutoAdvanceLimit(UINT64_MAX);
-        Clock::useVirtualTime(kStart);
-        QCOMPARE(Clock::autoAdvanceLimit(), std::uint64_t{0});
-
-        Clock::setAutoAdvanceLimit(UINT64_MAX);
-        Clock::useRealTime();
-        QVERIFY(!Clock::isVirtual());
-        QCOMPARE(Clock::autoAdvanceLimit(), std::uint64_t{0});
-    }
-
-    void realTimeIsMonotonicEpochTime() {
-        Clock::useRealTime();
-        const std::uint64_t before = systemNowNs();
-        std::uint64_t previous = Clock::nowNs();
-        for (int i = 0; i < 100'000; ++i) {
-            const std::uint64_t now = Clock::nowNs();
-            QVERIFY(now >= previous);
-            previous = now;
-        }
-        // Epoch based: within a minute of the wall clock, whatever the machine's speed.
-        const std::uint64_t minute = 60'000'000'000ull;
-        QVERIFY(previous + minute > before && previous < systemNowNs() + minute);
-        // Real time cannot be pushed on.
-        Clock::advanceTo(previous + minute);
-        QVERIFY(Clock::nowNs() < previous + minute);
-    }
-
+    // The viewer's clock: epoch time that waits for real and gives up when told to.
     void realTimeWaitReachesTargetOrGivesUp() {
         Clock::useRealTime();
+        QVERIFY(!Clock::isVirtual());
+        const auto wall = std::chrono::duration_cast<std::chrono::nanoseconds>(
+            std::chrono::system_clock::now().time_since_epoch());
+        QVERIFY(Clock::nowNs() + 60'000'000'000ull > std::uint64_t(wall.count()));  // epoch based
         const std::uint64_t target = Clock::nowNs() + 2'000'000;
         QVERIFY(Clock::waitUntil(target, kForever) >= target);
 

@@ -48,25 +48,6 @@ class ScenarioTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void blankTextGivesTheDefault_data() {
-        QTest::addColumn<QString>("text");
-        QTest::newRow("empty") << "";
-        QTest::newRow("blanks") << "  \t ";
-        QTest::newRow("separators only") << " ; ;";
-    }
-
-    void blankTextGivesTheDefault() {
-        QFETCH(QString, text);
-        const ScenarioParseResult result = parseScenario(text.toStdString());
-        QVERIFY(result.ok);
-        QCOMPARE(result.cameras.size(), std::size_t{1});
-        const DeviceConfig& camera = result.cameras.front();
-        QCOMPARE(code(camera.model), code(MODEL::ORYX_D));
-        QCOMPARE(name(camera.motion), name(MotionProfile::Gentle));
-        QCOMPARE(camera.serial, DeviceConfig::defaultSerial(MODEL::ORYX_D, 0));
-        QCOMPARE(camera.cameraId, 0);
-    }
-
     void everyKeyIsRead() {
         const ScenarioParseResult result = parse(
             "model=oryx_c serial=20012345 id=4 motion=Tumbling seed=18446744073709551615 "
@@ -99,6 +80,8 @@ private slots:
         QCOMPARE(f.eepromBadReads, 3);
     }
 
+    // Ids, seeds and serials follow the position unless given; other settings keep the device
+    // defaults.
     void severalCamerasGetTheirOwnDefaults() {
         const ScenarioParseResult result =
             parse("model=ORYX_D motion=still;  model=3 ;model=ORYX_SOLO_A id=7; model=30;");
@@ -106,27 +89,18 @@ private slots:
         QCOMPARE(result.cameras.size(), std::size_t{4});
         const auto& cams = result.cameras;
         QCOMPARE(name(cams[0].motion), name(MotionProfile::Still));
-        QCOMPARE(code(cams[1].model), code(MODEL::ORYX_D));
         QCOMPARE(name(cams[1].motion), name(MotionProfile::Gentle));
-        QCOMPARE(code(cams[2].model), code(MODEL::ORYX_SOLO_A));
         QCOMPARE(code(cams[3].model), code(MODEL::ORYX_SOLO_A));
-        // Ids and seeds follow the position unless given; serials are derived and distinct.
-        QCOMPARE(cams[1].cameraId, 1);
         QCOMPARE(cams[2].cameraId, 7);
         QCOMPARE(cams[3].cameraId, 3);
         std::set<std::uint64_t> seeds;
-        std::set<unsigned int> serials;
         for (int i = 0; i < 4; ++i) {
             seeds.insert(cams[i].seed);
-            serials.insert(cams[i].serial);
             QCOMPARE(cams[i].serial, DeviceConfig::defaultSerial(cams[i].model, i));
         }
         QCOMPARE(seeds.size(), std::size_t{4});
-        QCOMPARE(serials.size(), std::size_t{4});
-        // Untouched settings keep the device defaults.
         QCOMPARE(cams[0].hardIronOffset, DeviceConfig().hardIronOffset);
         QCOMPARE(cams[0].imuRateHz, 400.0);
-        QVERIFY(!cams[0].unplugAt.has_value());
     }
 
     void badTextNamesTheBadPart_data() {
@@ -136,76 +110,22 @@ private slots:
                                      << "camera 2: unknown key \"modle\" in \"modle=ORYX_D\"";
         QTest::newRow("missing =") << "ORYX_D"
                                    << "camera 1: missing '=' in \"ORYX_D\"";
-        QTest::newRow("missing key") << "=3"
-                                     << "camera 1: missing key in \"=3\"";
-        QTest::newRow("missing value") << "model="
-                                       << "camera 1: missing value in \"model=\"";
         QTest::newRow("key twice") << "id=1 id=2"
                                    << "camera 1: key \"id\" given twice in \"id=2\"";
-        QTest::newRow("bad number") << "seed=12x"
-                                    << "camera 1: bad number \"12x\" in \"seed=12x\"";
-        QTest::newRow("negative id") << "id=-1"
-                                     << "camera 1: bad number \"-1\" in \"id=-1\"";
-        QTest::newRow("serial too big")
-            << "serial=4294967296"
-            << "camera 1: bad number \"4294967296\" in \"serial=4294967296\"";
-        QTest::newRow("serial zero") << "serial=0"
-                                     << "camera 1: serial must not be 0 in \"serial=0\"";
-        QTest::newRow("not finite") << "hard_iron=1,nan,2"
-                                    << "camera 1: bad number \"nan\" in \"hard_iron=1,nan,2\"";
         QTest::newRow("unknown model") << "model=ORYX_Z"
                                        << "camera 1: unknown model \"ORYX_Z\" in \"model=ORYX_Z\"";
-        QTest::newRow("unknown model code") << "model=6"
-                                            << "camera 1: unknown model \"6\" in \"model=6\"";
         QTest::newRow("unknown motion")
             << "motion=wobbly"
             << "camera 1: unknown motion \"wobbly\" in \"motion=wobbly\"";
-        QTest::newRow("unknown fault")
-            << "faults=open,smoke"
-            << "camera 1: unknown fault \"smoke\" in \"faults=open,smoke\"";
-        QTest::newRow("empty fault") << "faults=open,"
-                                     << "camera 1: empty fault name in \"faults=open,\"";
         QTest::newRow("readback count missing")
             << "faults=eeprom_readback"
             << "camera 1: missing count (eeprom_readback=N) in \"faults=eeprom_readback\"";
-        QTest::newRow("readback count bad")
-            << "faults=eeprom_readback=-2"
-            << "camera 1: bad number \"-2\" in \"faults=eeprom_readback=-2\"";
-        QTest::newRow("two numbers")
-            << "hard_iron=1,2"
-            << "camera 1: expected 3 comma-separated numbers in \"hard_iron=1,2\"";
-        QTest::newRow("four numbers") << "soft_iron=1,1,1,1"
-                                      << "camera 1: expected 3 comma-separated numbers in "
-                                         "\"soft_iron=1,1,1,1\"";
-        QTest::newRow("zero soft iron")
-            << "soft_iron=1,0,1"
-            << "camera 1: soft iron scale \"0\" is not positive in \"soft_iron=1,0,1\"";
-        QTest::newRow("negative soft iron")
-            << "soft_iron=-1,1,1"
-            << "camera 1: soft iron scale \"-1\" is not positive in \"soft_iron=-1,1,1\"";
-        QTest::newRow("IMU rate zero")
-            << "imu_rate=0"
-            << "camera 1: IMU rate out of range (1 to 100000 Hz) in \"imu_rate=0\"";
-        QTest::newRow("IMU rate too high")
-            << "imu_rate=100001"
-            << "camera 1: IMU rate out of range (1 to 100000 Hz) in \"imu_rate=100001\"";
-        QTest::newRow("IMU rate not a number")
-            << "imu_rate=fast"
-            << "camera 1: bad number \"fast\" in \"imu_rate=fast\"";
-        QTest::newRow("negative time") << "plug=-1"
-                                       << "camera 1: negative time in \"plug=-1\"";
         QTest::newRow("unplug before plug")
             << "model=ORYX_B; unplug=3 plug=5"
             << "camera 2: unplug time in \"unplug=3\" is not after the plug time (5 s)";
-        QTest::newRow("unplug at plug")
-            << "unplug=0"
-            << "camera 1: unplug time in \"unplug=0\" is not after the plug time (0 s)";
         QTest::newRow("same serial twice")
             << "serial=30000001; model=ORYX_C; serial=30000001"
             << "camera 3: serial 30000001 in \"serial=30000001\" is already used by camera 1";
-        QTest::newRow("given serial equals a derived one")
-            << "serial=31007936; model=ORYX_D"
-            << "camera 2: serial 31007936 (derived) is already used by camera 1";
     }
 
     void badTextNamesTheBadPart() {
@@ -217,89 +137,36 @@ private slots:
         QCOMPARE(QString::fromStdString(result.error), error);
     }
 
-    void garbageNeverCrashes() {
-        const char* texts[] = {"=",
-                               ";;;=;;",
-                               "model==",
-                               "faults=,,,",
-                               "hard_iron=,,",
-                               "id=99999999999999999999",
-                               "plug=1e999",
-                               "\x01\xff=\x80",
-                               "seed=-0",
-                               "soft_iron=1e-400,1,1"};
-        for (const char* text : texts) QVERIFY2(!parse(text).ok, text);
-    }
-
-    void stereoSerialsLeadWithTheModelCode_data() {
-        QTest::addColumn<int>("model");
-        QTest::newRow("ORYX_B") << 1;
-        QTest::newRow("ORYX_C") << 2;
-        QTest::newRow("ORYX_D") << 3;
-    }
-
-    void stereoSerialsLeadWithTheModelCode() {
-        QFETCH(int, model);
-        std::set<unsigned int> serials;
-        for (int index = 0; index < 2000; ++index) {
-            const unsigned int serial = DeviceConfig::defaultSerial(MODEL(model), index);
-            QCOMPARE(serial / 10'000'000u, unsigned(model));
-            serials.insert(serial);
+    // Refused, whatever the message: overflows, non-finite numbers, values out of range.
+    void badValuesAreRefused() {
+        const QByteArray texts =
+            "=|;;;=;;|model==|model=|model=6|faults=,,,|faults=open,|faults=open,smoke|"
+            "hard_iron=,,|hard_iron=1,2|hard_iron=1,nan,2|soft_iron=1e-400,1,1|soft_iron=1,0,1|"
+            "soft_iron=1,1,1,1|id=99999999999999999999|id=-1|serial=0|serial=4294967296|"
+            "plug=1e999|plug=-1|unplug=0|seed=-0|seed=12x|imu_rate=0|imu_rate=100001|"
+            "imu_rate=fast|serial=31007936; model=ORYX_D|\x01\xff=\x80";
+        for (const QByteArray& text : texts.split('|')) {
+            QVERIFY2(!parse(text.constData()).ok, text.constData());
         }
-        QCOMPARE(serials.size(), std::size_t{2000});
     }
 
-    void otherSerialsNeverLookLikeStereoOnes() {
+    // Derived serials are distinct; those of the stereo models with a micro-controller lead with
+    // the model code, those of other models never look like them.
+    void derivedSerials() {
         std::set<unsigned int> serials;
-        for (MODEL model :
-             {MODEL::ORYX, MODEL::ORYX_E, MODEL::ORYX_F, MODEL::ORYX_SOLO_A, MODEL::ORYX_SOLO_B}) {
-            for (int index = 0; index < 100; ++index) {
+        for (MODEL model : {MODEL::ORYX, MODEL::ORYX_B, MODEL::ORYX_C, MODEL::ORYX_D, MODEL::ORYX_E,
+                            MODEL::ORYX_F, MODEL::ORYX_SOLO_A, MODEL::ORYX_SOLO_B}) {
+            const bool stereo =
+                model == MODEL::ORYX_B || model == MODEL::ORYX_C || model == MODEL::ORYX_D;
+            for (int index = 0; index < 500; ++index) {
                 const unsigned int serial = DeviceConfig::defaultSerial(model, index);
                 const unsigned int leading = serial / 10'000'000u;
-                QVERIFY2(leading < 1 || leading > 3, qPrintable(QString::number(serial)));
+                QVERIFY2(stereo ? leading == unsigned(code(model)) : leading < 1 || leading > 3,
+                         qPrintable(QString::number(serial)));
                 serials.insert(serial);
             }
         }
-        QCOMPARE(serials.size(), std::size_t{500});
-    }
-
-    void sensorsFollowTheModel_data() {
-        QTest::addColumn<int>("model");
-        QTest::addColumn<bool>("magnetometer");
-        QTest::addColumn<bool>("barometer");
-        QTest::addColumn<bool>("temperatures");
-        QTest::newRow("ORYX") << 0 << false << false << false;
-        QTest::newRow("ORYX_B") << 1 << false << false << false;
-        QTest::newRow("ORYX_C") << 2 << true << true << true;
-        QTest::newRow("ORYX_D") << 3 << true << true << true;
-        QTest::newRow("ORYX_E") << 4 << false << false << true;
-        QTest::newRow("ORYX_F") << 5 << false << false << true;
-        QTest::newRow("ORYX_SOLO_A") << 30 << true << true << true;
-        QTest::newRow("ORYX_SOLO_B") << 31 << true << true << true;
-    }
-
-    void sensorsFollowTheModel() {
-        QFETCH(int, model);
-        QFETCH(bool, magnetometer);
-        QFETCH(bool, barometer);
-        QFETCH(bool, temperatures);
-        const SensorSet sensors = sensorsOf(MODEL(model));
-        QCOMPARE(sensors.magnetometer, magnetometer);
-        QCOMPARE(sensors.barometer, barometer);
-        QCOMPARE(sensors.onboardTemperatures, temperatures);
-    }
-
-    void motionProfileNamesRoundTrip() {
-        for (MotionProfile p :
-             {MotionProfile::Still, MotionProfile::Gentle, MotionProfile::Tumbling}) {
-            const std::optional<MotionProfile> parsed = motionProfileFromString(toString(p));
-            QVERIFY(parsed.has_value());
-            QCOMPARE(name(*parsed), name(p));
-        }
-        QCOMPARE(QString(toString(MotionProfile::Tumbling)), QString("tumbling"));
-        QVERIFY(motionProfileFromString("GeNtLe") == MotionProfile::Gentle);
-        QVERIFY(!motionProfileFromString("gentle ").has_value());
-        QVERIFY(!motionProfileFromString("").has_value());
+        QCOMPARE(serials.size(), std::size_t{8 * 500});
     }
 
     void environmentChoosesTheScenario() {
@@ -311,9 +178,13 @@ private slots:
             QCOMPARE(cameras[0].cameraId, 2);
             QCOMPARE(code(cameras[1].model), code(MODEL::ORYX_C));
         }
+        // Unset or blank: one ORYX_D in gentle motion.
         const std::vector<DeviceConfig> unset = scenarioFromEnvironment();
         QCOMPARE(unset.size(), std::size_t{1});
         QCOMPARE(code(unset[0].model), code(MODEL::ORYX_D));
+        QCOMPARE(name(unset[0].motion), name(MotionProfile::Gentle));
+        QCOMPARE(unset[0].serial, DeviceConfig::defaultSerial(MODEL::ORYX_D, 0));
+        QCOMPARE(parse(" ; \t;").cameras.size(), std::size_t{1});
     }
 
     void badEnvironmentFallsBackToTheDefault() {

@@ -12,9 +12,17 @@
 
 #include "MotionModel.hpp"
 #include "SensorTimeline.hpp"
-#include "TestTolerance.hpp"
 
 using namespace bw::sim;
+
+// |actual - expected| <= tolerance, printing the values when it fails.
+#define VERIFY_NEAR(actual, expected, tolerance)                               \
+    QVERIFY2(std::abs(double(actual) - double(expected)) <= double(tolerance), \
+             qPrintable(QString("%1 is %2, expected %3 within %4")             \
+                            .arg(#actual)                                      \
+                            .arg(double(actual), 0, 'g', 12)                   \
+                            .arg(double(expected), 0, 'g', 12)                 \
+                            .arg(double(tolerance))))
 
 namespace {
 
@@ -92,34 +100,16 @@ class TimelineTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void stillCameraFeelsGravityOnly() {
-        SensorTimeline timeline(cameraWith(MotionProfile::Still), kStart);
-        const Streams s = collect(timeline, kStart, kStart + kSecond);
-        QVERIFY(s.imu.size() > 300);
-        Eigen::Vector3d acc = Eigen::Vector3d::Zero(), gyro = Eigen::Vector3d::Zero();
-        for (const ImuSample& sample : s.imu) {
-            acc += toEigen(sample.acceleration);
-            gyro += toEigen(sample.angularVelocity);
-        }
-        acc /= s.imu.size();
-        gyro /= s.imu.size();
-        // Level camera, z up: the whole specific force on z.
-        VERIFY_NEAR(acc.norm(), kGravity, 0.1);
-        VERIFY_NEAR(acc.z(), kGravity, 0.1);
-        VERIFY_BELOW(gyro.norm(), 0.05);
-        QCOMPARE(s.imu.back().movingState, 0);
-    }
-
-    void magnetometerShowsConfiguredDistortion_data() {
+    // A camera on the table: gravity alone on the accelerometer, no turn on the gyroscope, and
+    // the earth's field on the magnetometer through the configured distortion.
+    void stillCamera_data() {
         QTest::addColumn<Eigen::Vector3d>("hardIron");
         QTest::addColumn<Eigen::Vector3d>("softIron");
         QTest::newRow("undistorted") << Eigen::Vector3d(0, 0, 0) << Eigen::Vector3d(1, 1, 1);
-        QTest::newRow("scenario example")
-            << Eigen::Vector3d(20, -12, 5) << Eigen::Vector3d(1.1, 0.9, 1.0);
         QTest::newRow("strong") << Eigen::Vector3d(-150, 80, 300) << Eigen::Vector3d(0.7, 1.4, 1.2);
     }
 
-    void magnetometerShowsConfiguredDistortion() {
+    void stillCamera() {
         QFETCH(Eigen::Vector3d, hardIron);
         QFETCH(Eigen::Vector3d, softIron);
         DeviceConfig config = cameraWith(MotionProfile::Still);
@@ -129,16 +119,25 @@ private slots:
         }
         SensorTimeline timeline(config, kStart);
         const Streams s = collect(timeline, kStart, kStart + kSecond);
-        QVERIFY(s.mag.size() > 40);
+        QVERIFY(s.imu.size() > 300 && s.mag.size() > 40);
+        Eigen::Vector3d acc = Eigen::Vector3d::Zero(), gyro = Eigen::Vector3d::Zero();
+        for (const ImuSample& sample : s.imu) {
+            acc += toEigen(sample.acceleration) / s.imu.size();
+            gyro += toEigen(sample.angularVelocity) / s.imu.size();
+        }
+        VERIFY_NEAR(acc.z(), kGravity, 0.1);  // level, z up: the whole force on z
+        VERIFY_NEAR(acc.norm(), kGravity, 0.1);
+        VERIFY_NEAR(gyro.norm(), 0.0, 0.05);
+        QCOMPARE(s.imu.back().movingState, 0);
+
         const Eigen::Quaterniond pose = toEigen(s.imu.back().pose);
         Eigen::Vector3d meanScale = Eigen::Vector3d::Zero();
         for (const MagSample& m : s.mag) {
             const Eigen::Vector3d trueField = toEigen(m.trueField);
             const Eigen::Vector3d raw = toEigen(m.rawField);
-            VERIFY_NEAR(trueField.norm(), kEarthField.norm(), 0.01);
             // The true field is the earth's, seen through the pose and the device axes.
             const Eigen::Vector3d inCamera = toEigen(cameraFromDeviceAxes(m.trueField));
-            VERIFY_BELOW((inCamera - pose.conjugate() * kEarthField).norm(), 0.01);
+            VERIFY_NEAR((inCamera - pose.conjugate() * kEarthField).norm(), 0.0, 0.01);
             for (int i = 0; i < 3; ++i) {
                 VERIFY_NEAR(raw[i], softIron[i] * trueField[i] + hardIron[i], 1.5);
                 meanScale[i] += (raw[i] - hardIron[i]) / trueField[i] / s.mag.size();
@@ -152,19 +151,9 @@ private slots:
         }
     }
 
-    void gyroscopeIntegratesToThePose_data() {
-        QTest::addColumn<int>("motion");
-        QTest::addColumn<quint64>("seed");
-        QTest::newRow("gentle 1") << int(MotionProfile::Gentle) << quint64{1};
-        QTest::newRow("gentle 2") << int(MotionProfile::Gentle) << quint64{2};
-        QTest::newRow("tumbling") << int(MotionProfile::Tumbling) << quint64{3};
-    }
-
     void gyroscopeIntegratesToThePose() {
-        QFETCH(int, motion);
-        QFETCH(quint64, seed);
-        SensorTimeline timeline(cameraWith(MotionProfile(motion), seed), kStart);
-        const Streams s = collect(timeline, kStart, kStart + 10 * kSecond);
+        SensorTimeline timeline(cameraWith(MotionProfile::Tumbling, 3), kStart);
+        const Streams s = collect(timeline, kStart, kStart + 4 * kSecond);
         Eigen::Quaterniond integrated = toEigen(s.imu.front().pose);
         double worstDeg = 0.0, turnedDeg = 0.0;
         for (std::size_t k = 1; k < s.imu.size(); ++k) {
@@ -181,71 +170,59 @@ private slots:
             turnedDeg =
                 std::max(turnedDeg, toEigen(s.imu[0].pose).angularDistance(pose) * 180 / kPi);
         }
-        VERIFY_BELOW(worstDeg, 0.5);
+        VERIFY_NEAR(worstDeg, 0.0, 0.5);
         QVERIFY2(turnedDeg > 3.0, "the camera must actually turn for this to mean anything");
     }
 
-    void accelerometerPointsAlongTheUpAxisOfThePose() {
-        SensorTimeline timeline(cameraWith(MotionProfile::Gentle), kStart);
-        const Streams s = collect(timeline, kStart, kStart + 10 * kSecond);
-        double sum = 0.0, worst = 0.0;
-        for (const ImuSample& sample : s.imu) {
-            const Eigen::Vector3d up = toEigen(sample.pose).conjugate() * Eigen::Vector3d::UnitZ();
-            const double angle = degreesBetween(toEigen(sample.acceleration), up);
-            sum += angle;
-            worst = std::max(worst, angle);
-        }
-        // Hand accelerations of a few tenths of m/s² tilt it by a degree or two at most.
-        VERIFY_BELOW(sum / s.imu.size(), 1.0);
-        VERIFY_BELOW(worst, 3.0);
-    }
+    // A camera held in the hand and put down now and then: its streams at their rates, the
+    // accelerometer along the pose's up axis and the barometer following the height.
+    void handHeldCamera() {
+        const DeviceConfig config = cameraWith(MotionProfile::Gentle, 4);
+        SensorTimeline timeline(config, kStart);
+        const Streams s = collect(timeline, kStart, kStart + 20 * kSecond);
+        const double span = 20.0;
 
-    void gentleMotionIsHandHeldAndSometimesPutDown() {
-        SensorTimeline timeline(cameraWith(MotionProfile::Gentle), kStart);
-        const Streams s = collect(timeline, kStart, kStart + 60 * kSecond);
+        QVERIFY(strictlyIncreasing(s.imu));
+        QVERIFY(strictlyIncreasing(s.mag));
+        QVERIFY(strictlyIncreasing(s.baro));
+        VERIFY_NEAR(s.imu.size() / span, 400.0, 4.0);
+        VERIFY_NEAR(s.mag.size() / span, 50.0, 0.5);
+        VERIFY_NEAR(s.baro.size() / span, 25.0, 0.25);
+        VERIFY_NEAR(s.imu.back().effectiveRate, 400.0, 8.0);
+        VERIFY_NEAR(s.mag.back().effectiveRate, 50.0, 1.0);
+        VERIFY_NEAR(s.baro.back().effectiveRate, 25.0, 0.5);
+
         std::set<int> states;
-        double maxTilt = 0.0, maxRate = 0.0;
-        for (const ImuSample& sample : s.imu) {
+        double maxTilt = 0.0, maxRate = 0.0, sumAngle = 0.0, worstAngle = 0.0;
+        for (std::size_t k = 0; k < s.imu.size(); ++k) {
+            const ImuSample& sample = s.imu[k];
+            // IMU timestamps are 2.5 ms apart give or take the jitter.
+            if (k > 0) VERIFY_NEAR(sample.timestampNs - s.imu[k - 1].timestampNs, 2.5e6, 50e3);
             states.insert(sample.movingState);
             const double rate = toEigen(sample.angularVelocity).norm();
             maxRate = std::max(maxRate, rate);
-            if (sample.movingState == 0) VERIFY_BELOW(rate, 1.0);
-            const Eigen::Vector3d up = toEigen(sample.pose) * Eigen::Vector3d::UnitZ();
-            maxTilt = std::max(maxTilt, degreesBetween(up, Eigen::Vector3d::UnitZ()));
+            if (sample.movingState == 0) VERIFY_NEAR(rate, 0.0, 1.0);
+            const Eigen::Quaterniond pose = toEigen(sample.pose);
+            maxTilt = std::max(
+                maxTilt, degreesBetween(pose * Eigen::Vector3d::UnitZ(), Eigen::Vector3d::UnitZ()));
+            const double angle = degreesBetween(toEigen(sample.acceleration),
+                                                pose.conjugate() * Eigen::Vector3d::UnitZ());
+            sumAngle += angle;
+            worstAngle = std::max(worstAngle, angle);
         }
         QVERIFY(states.count(0) == 1 && states.count(1) == 1);
         QVERIFY(maxTilt > 1.0 && maxTilt < 15.0);
         QVERIFY(maxRate > 3.0 && maxRate < 30.0);
-    }
+        // Hand accelerations of a few tenths of m/s² tilt the force by a degree or two at most.
+        VERIFY_NEAR(sumAngle / s.imu.size(), 0.0, 1.0);
+        VERIFY_NEAR(worstAngle, 0.0, 3.0);
 
-    void tumblingShowsTheMagnetometerEveryDirection() {
-        SensorTimeline timeline(cameraWith(MotionProfile::Tumbling), kStart);
-        const Streams s = collect(timeline, kStart, kStart + 60 * kSecond);
-        std::set<int> octants;
-        Eigen::Vector3d most = Eigen::Vector3d::Constant(-1), least = Eigen::Vector3d::Constant(1);
-        for (const MagSample& m : s.mag) {
-            const Eigen::Vector3d direction = toEigen(m.trueField).normalized();
-            octants.insert((direction.x() > 0) + 2 * (direction.y() > 0) + 4 * (direction.z() > 0));
-            most = most.cwiseMax(direction);
-            least = least.cwiseMin(direction);
-        }
-        QCOMPARE(octants.size(), std::size_t{8});
-        for (int i = 0; i < 3; ++i) {
-            QVERIFY2(most[i] > 0.9 && least[i] < -0.9, qPrintable(QString("axis %1").arg(i)));
-        }
-    }
-
-    void barometerFollowsTheHeight() {
-        const DeviceConfig config = cameraWith(MotionProfile::Gentle, 4);
-        SensorTimeline timeline(config, kStart);
-        const Streams s = collect(timeline, kStart, kStart + 60 * kSecond);
-        const MotionModel motion(config.motion, config.seed);
-        const double firstHeight = motion.height(seconds(s.baro.front().timestampNs));
-        QVERIFY(s.baro.size() > 1000);
-        QCOMPARE(s.baro.front().relativeAltitudeM == 0.f, true);
         // Averaged over a second the noise (~5 cm per sample) drops below a centimetre. What
         // remains is a fixed offset, from the noise of the first reading that sets the zero, and
         // the slow drift of the weather.
+        const MotionModel motion(config.motion, config.seed);
+        const double firstHeight = motion.height(seconds(s.baro.front().timestampNs));
+        QCOMPARE(s.baro.front().relativeAltitudeM == 0.f, true);
         std::vector<double> errors;
         double minHeight = 0.0, maxHeight = 0.0;
         for (std::size_t begin = 0; begin + 25 <= s.baro.size(); begin += 25) {
@@ -260,131 +237,94 @@ private slots:
             maxHeight = std::max(maxHeight, modelled);
         }
         const double offset = std::accumulate(errors.begin(), errors.end(), 0.0) / errors.size();
-        VERIFY_BELOW(std::abs(offset), 0.2);
+        VERIFY_NEAR(offset, 0.0, 0.2);
         for (double error : errors) VERIFY_NEAR(error, offset, 0.05);
         QVERIFY2(maxHeight - minHeight > 0.1, "the height must change for this to mean anything");
     }
 
-    void ratesMatchTheNominalRates() {
-        SensorTimeline timeline(cameraWith(MotionProfile::Gentle), kStart);
-        const Streams s = collect(timeline, kStart, kStart + 10 * kSecond);
-        QVERIFY(strictlyIncreasing(s.imu));
-        QVERIFY(strictlyIncreasing(s.mag));
-        QVERIFY(strictlyIncreasing(s.baro));
-        VERIFY_NEAR(s.imu.size() / 10.0, 400.0, 8.0);
-        VERIFY_NEAR(s.mag.size() / 10.0, 50.0, 1.0);
-        VERIFY_NEAR(s.baro.size() / 10.0, 25.0, 0.5);
-        VERIFY_NEAR(s.imu.back().effectiveRate, 400.0, 8.0);
-        VERIFY_NEAR(s.mag.back().effectiveRate, 50.0, 1.0);
-        VERIFY_NEAR(s.baro.back().effectiveRate, 25.0, 0.5);
-        // IMU timestamps are 2.5 ms apart give or take the jitter.
-        for (std::size_t k = 1; k < s.imu.size(); ++k) {
-            VERIFY_NEAR(s.imu[k].timestampNs - s.imu[k - 1].timestampNs, 2.5e6, 50e3);
-        }
-    }
-
-    void modelsWithoutSensorsHaveNoStreams() {
-        SensorTimeline timeline(cameraWith(MotionProfile::Gentle, 1, bw::MODEL::ORYX_B), kStart);
-        timeline.advanceTo(kStart + kSecond);
-        QVERIFY(timeline.newestImu() != nullptr);
-        QVERIFY(timeline.magAt(kStart + kSecond) == nullptr);
-        QVERIFY(timeline.firstMagAfter(kStart) == nullptr);
-        QVERIFY(timeline.baroAt(kStart + kSecond) == nullptr);
+    // A second of history and no more than three, without holes, for a reader that keeps up
+    // and for one that comes back after a long absence. At 20 kHz that is 20,000 samples a
+    // second; the jump after an absence is the same at any rate and is taken at 400 Hz.
+    void historyIsKeptForASecondAndBounded_data() {
+        QTest::addColumn<double>("rate");
+        QTest::addColumn<quint64>("keptUpUntil");
+        QTest::addColumn<quint64>("absentUntil");
+        QTest::newRow("400 Hz") << 400.0 << quint64{kStart + 5 * kSecond}
+                                << quint64{kStart + 35 * kSecond};
+        QTest::newRow("20 kHz") << 20'000.0 << quint64{kStart + 1100 * kMs} << quint64{0};
     }
 
     void historyIsKeptForASecondAndBounded() {
-        SensorTimeline timeline(cameraWith(MotionProfile::Gentle), kStart);
+        QFETCH(double, rate);
+        QFETCH(quint64, keptUpUntil);
+        QFETCH(quint64, absentUntil);
+        DeviceConfig config = cameraWith(MotionProfile::Gentle);
+        config.imuRateHz = rate;
+        SensorTimeline timeline(config, kStart);
         QVERIFY(timeline.newestImu() == nullptr);
-        // First a reader that keeps up, then one that comes back after half an hour.
-        for (std::uint64_t now = kStart; now < kStart + 5 * kSecond; now += 100 * kMs) {
+        for (std::uint64_t now = kStart; now < keptUpUntil; now += 10 * kMs) {
             timeline.advanceTo(now);
         }
-        for (std::uint64_t now : {kStart + 5 * kSecond, kStart + 5 * kSecond + 1800 * kSecond}) {
+        for (std::uint64_t now : {std::uint64_t{keptUpUntil}, std::uint64_t{absentUntil}}) {
+            if (now == 0) break;
             timeline.advanceTo(now);
             const ImuSample* newest = timeline.newestImu();
             QVERIFY(newest != nullptr);
             QVERIFY(newest->timestampNs <= now && timeline.nextImuDueNs() > now);
-            const ImuSample* oldest = timeline.firstImuAfter(0);
-            QVERIFY(oldest->timestampNs <= newest->timestampNs - SensorTimeline::kHistoryNs);
-            QVERIFY(oldest->timestampNs >= newest->timestampNs - 3 * SensorTimeline::kHistoryNs);
-            QVERIFY(timeline.magAt(now - SensorTimeline::kHistoryNs) != nullptr);
-            QVERIFY(timeline.baroAt(now - SensorTimeline::kHistoryNs) != nullptr);
             QVERIFY(timeline.firstImuAfter(newest->timestampNs) == nullptr);
-            // The next sample after any kept one is its successor, 2.5 ms on.
-            const ImuSample* next = timeline.firstImuAfter(oldest->timestampNs);
-            VERIFY_NEAR(next->timestampNs - oldest->timestampNs, 2.5e6, 50e3);
-        }
-    }
-
-    void imuRateFollowsTheConfiguration_data() {
-        QTest::addColumn<double>("rate");
-        QTest::newRow("100 Hz") << 100.0;
-        QTest::newRow("20 kHz") << 20'000.0;
-        QTest::newRow("40 kHz") << 40'000.0;
-    }
-
-    // Every sample arrives, one period after the one before it, however fast the IMU runs.
-    void imuRateFollowsTheConfiguration() {
-        QFETCH(double, rate);
-        DeviceConfig config = cameraWith(MotionProfile::Gentle);
-        config.imuRateHz = rate;
-        SensorTimeline timeline(config, kStart);
-        const Streams s = collect(timeline, kStart, kStart + 3 * kSecond);
-        QVERIFY(strictlyIncreasing(s.imu));
-        VERIFY_NEAR(s.imu.size() / 3.0, rate, rate * 0.01 + 1.0);
-        VERIFY_NEAR(s.imu.back().effectiveRate, rate, rate * 0.01);
-        const double period = 1e9 / rate;
-        for (std::size_t k = 1; k < s.imu.size(); ++k) {
-            VERIFY_NEAR(s.imu[k].timestampNs - s.imu[k - 1].timestampNs, period, 0.02 * period);
-        }
-        // The other streams keep their own rates.
-        VERIFY_NEAR(s.mag.size() / 3.0, 50.0, 1.0);
-    }
-
-    void theRateIsClampedToItsBounds() {
-        DeviceConfig config = cameraWith(MotionProfile::Gentle);
-        config.imuRateHz = 1e9;
-        SensorTimeline fast(config, kStart);
-        const Streams s = collect(fast, kStart, kStart + kSecond);
-        VERIFY_NEAR(s.imu.size(), DeviceConfig::kMaxImuRateHz, 0.01 * DeviceConfig::kMaxImuRateHz);
-        config.imuRateHz = 0.0;
-        SensorTimeline slow(config, kStart);
-        const Streams t = collect(slow, kStart, kStart + 5 * kSecond);
-        QCOMPARE(t.imu.size(), std::size_t{5});
-    }
-
-    // At 20 kHz the history is 20,000 samples a second: still at least a second of it, without
-    // holes, and still bounded, after small steps and after a long jump.
-    void historyHoldsASecondAtTwentyKilohertz() {
-        DeviceConfig config = cameraWith(MotionProfile::Gentle);
-        config.imuRateHz = 20'000.0;
-        SensorTimeline timeline(config, kStart);
-        for (std::uint64_t now = kStart; now < kStart + 3 * kSecond; now += 10 * kMs) {
-            timeline.advanceTo(now);
-        }
-        for (std::uint64_t now : {kStart + 3 * kSecond, kStart + 13 * kSecond}) {
-            timeline.advanceTo(now);
-            const ImuSample* newest = timeline.newestImu();
-            QVERIFY(newest != nullptr);
+            QVERIFY(timeline.magAt(now - SensorTimeline::kHistoryNs) != nullptr);
             const ImuSample* oldest = timeline.firstImuAfter(0);
             QVERIFY(oldest->timestampNs <= newest->timestampNs - SensorTimeline::kHistoryNs);
             QVERIFY(oldest->timestampNs >= newest->timestampNs - 3 * SensorTimeline::kHistoryNs);
+            // Each kept sample's successor is one period on.
             std::uint64_t count = 1, widest = 0;
             for (const ImuSample* s = oldest; s != newest; ++count) {
                 const ImuSample* next = timeline.firstImuAfter(s->timestampNs);
                 widest = std::max(widest, next->timestampNs - s->timestampNs);
                 s = next;
             }
-            VERIFY_BELOW(widest, 1.5 * 50e3);
-            const double keptSeconds = (newest->timestampNs - oldest->timestampNs) * 1e-9;
-            VERIFY_NEAR(count, keptSeconds * 20'000.0, 200.0);
+            VERIFY_NEAR(widest, 0.0, 1.5e9 / rate);
+            VERIFY_NEAR(count, (newest->timestampNs - oldest->timestampNs) * 1e-9 * rate,
+                        0.01 * rate);
         }
+    }
+
+    // Every sample arrives, one period after the one before it, however fast the IMU runs; the
+    // configured rate is held to its bounds.
+    void imuRateFollowsTheConfiguration_data() {
+        QTest::addColumn<double>("configured");
+        QTest::addColumn<double>("rate");
+        QTest::addColumn<double>("span");  // seconds
+        QTest::newRow("100 Hz") << 100.0 << 100.0 << 1.0;
+        QTest::newRow("40 kHz") << 40'000.0 << 40'000.0 << 0.1;
+        QTest::newRow("above the maximum") << 1e9 << DeviceConfig::kMaxImuRateHz << 0.02;
+        QTest::newRow("zero") << 0.0 << DeviceConfig::kMinImuRateHz << 5.0;
+    }
+
+    void imuRateFollowsTheConfiguration() {
+        QFETCH(double, configured);
+        QFETCH(double, rate);
+        QFETCH(double, span);
+        DeviceConfig config = cameraWith(MotionProfile::Gentle);
+        config.imuRateHz = configured;
+        SensorTimeline timeline(config, kStart);
+        const std::uint64_t end = kStart + static_cast<std::uint64_t>(span * kSecond);
+        const Streams s = collect(timeline, kStart, end, std::min(10 * kMs, (end - kStart) / 10));
+        QVERIFY(strictlyIncreasing(s.imu));
+        VERIFY_NEAR(s.imu.size(), rate * span, rate * span * 0.01 + 1.0);
+        const double period = 1e9 / rate;
+        for (std::size_t k = 1; k < s.imu.size(); ++k) {
+            VERIFY_NEAR(s.imu[k].timestampNs - s.imu[k - 1].timestampNs, period, 0.02 * period);
+        }
+        if (s.imu.size() > 2) VERIFY_NEAR(s.imu.back().effectiveRate, rate, rate * 0.01);
+        // The other streams keep their own rate.
+        VERIFY_NEAR(s.mag.size(), 50.0 * span, 1.0);
     }
 
     void sameSeedGivesSameSamplesHoweverTimeIsSliced() {
         const DeviceConfig config = cameraWith(MotionProfile::Tumbling, 5);
         SensorTimeline inSteps(config, kStart), inOneJump(config, kStart);
-        const std::uint64_t end = kStart + 100 * kSecond;
+        const std::uint64_t end = kStart + 8 * kSecond;
         for (std::uint64_t now = kStart; now <= end; now += 7 * kMs) inSteps.advanceTo(now);
         inOneJump.advanceTo(end);
 
@@ -400,54 +340,34 @@ private slots:
         QVERIFY(compared >= 390);
         const std::uint64_t t = end - 500 * kMs;
         QCOMPARE(inSteps.magAt(t)->rawField, inOneJump.magAt(t)->rawField);
-        QCOMPARE(inSteps.magAt(t)->effectiveRate, inOneJump.magAt(t)->effectiveRate);
-        QCOMPARE(inSteps.baroAt(t)->pressurePa, inOneJump.baroAt(t)->pressurePa);
         QCOMPARE(inSteps.baroAt(t)->relativeAltitudeM, inOneJump.baroAt(t)->relativeAltitudeM);
+
+        // Another seed, other samples.
+        SensorTimeline other(cameraWith(MotionProfile::Tumbling, 6), kStart);
+        other.advanceTo(end);
+        QVERIFY(other.newestImu()->timestampNs != inSteps.newestImu()->timestampNs);
+        QVERIFY(other.newestImu()->acceleration != inSteps.newestImu()->acceleration);
+        QVERIFY(!(other.newestImu()->pose == inSteps.newestImu()->pose));
     }
 
-    void differentSeedsGiveDifferentSamples() {
-        SensorTimeline a(cameraWith(MotionProfile::Gentle, 1), kStart);
-        SensorTimeline b(cameraWith(MotionProfile::Gentle, 2), kStart);
-        a.advanceTo(kStart + kSecond);
-        b.advanceTo(kStart + kSecond);
-        QVERIFY(a.newestImu()->timestampNs != b.newestImu()->timestampNs);
-        QVERIFY(a.newestImu()->acceleration != b.newestImu()->acceleration);
-        QVERIFY(!(a.newestImu()->pose == b.newestImu()->pose));
-    }
-
-    void temperaturesDriftSlowlyAroundTheirLevels() {
+    // Temperatures are a slow function of time alone; the IMU samples carry the IMU's.
+    void temperaturesDriftSlowly() {
         SensorTimeline timeline(cameraWith(MotionProfile::Still), kStart);
         const std::uint64_t warm = kStart + 1200 * kSecond;
         const Temperatures t = timeline.temperaturesAt(warm);
-        VERIFY_NEAR(t.imu, 38.0, 1.0);
-        VERIFY_NEAR(t.barometer, 34.0, 1.0);
-        VERIFY_NEAR(t.onboardLeft, 41.0, 1.0);
-        VERIFY_NEAR(t.onboardRight, 42.0, 1.0);
-        VERIFY_BELOW(std::abs(timeline.temperaturesAt(warm + kSecond).imu - t.imu), 0.2);
+        VERIFY_NEAR(timeline.temperaturesAt(warm + kSecond).imu, t.imu, 0.2);
         QCOMPARE(timeline.temperaturesAt(warm).onboardLeft, t.onboardLeft);
+        QVERIFY(t.onboardLeft != t.onboardRight && t.imu != t.barometer);
         timeline.advanceTo(kStart + kSecond);
         const ImuSample* sample = timeline.newestImu();
         QCOMPARE(sample->imuTemperature, timeline.temperaturesAt(sample->timestampNs).imu);
     }
 
-    void magnetometerAxesMapToCameraAxes_data() {
-        QTest::addColumn<Eigen::Vector3d>("device");
-        QTest::addColumn<Eigen::Vector3d>("camera");
-        // Device: right, down, forward. Motion model: forward, left, up.
-        QTest::newRow("d0 is camera -y") << Eigen::Vector3d(1, 0, 0) << Eigen::Vector3d(0, -1, 0);
-        QTest::newRow("d1 is camera -z") << Eigen::Vector3d(0, 1, 0) << Eigen::Vector3d(0, 0, -1);
-        QTest::newRow("d2 is camera x") << Eigen::Vector3d(0, 0, 1) << Eigen::Vector3d(1, 0, 0);
-        QTest::newRow("mixed") << Eigen::Vector3d(3, -5, 7) << Eigen::Vector3d(7, -3, 5);
-    }
-
+    // Device: right, down, forward. Motion model: forward, left, up.
     void magnetometerAxesMapToCameraAxes() {
-        QFETCH(Eigen::Vector3d, device);
-        QFETCH(Eigen::Vector3d, camera);
-        const bw::Vector3<float> d(device.x(), device.y(), device.z());
-        const bw::Vector3<float> c(camera.x(), camera.y(), camera.z());
-        QCOMPARE(cameraFromDeviceAxes(d), c);
-        QCOMPARE(deviceFromCameraAxes(c), d);
-        QCOMPARE(deviceFromCameraAxes(cameraFromDeviceAxes(d)), d);
+        const bw::Vector3<float> device(3, -5, 7), camera(7, -3, 5);
+        QCOMPARE(cameraFromDeviceAxes(device), camera);
+        QCOMPARE(deviceFromCameraAxes(camera), device);
     }
 };
 

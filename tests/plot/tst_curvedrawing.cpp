@@ -109,58 +109,6 @@ QImage blankImage(const QSize& size) {
     return image;
 }
 
-// The chart with its own curves, then the same plot with its curves hidden and plain
-// QwtPlotCurves of the same pens given the same samples.
-void compareWithPlainCurves(const SeriesSet& set, double t0, double t1, double v0, double v1,
-                            bool visible) {
-    DataPlot plot;
-    plot.resize(520, 260);
-    plot.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&plot));
-    const DataPlot::DataType types[] = {DataPlot::ACC_X, DataPlot::ACC_Y, DataPlot::ACC_Z};
-    for (int a = 0; a < set.size(); ++a) {
-        plot.updateData(types[a], set[a].t, set[a].v, false);
-    }
-    plot.setTimeRange(t0, t1, false);
-    plot.setValRange(v0, v1, false);
-    plot.replot();
-    const QImage chart = canvasImage(plot);
-
-    const QwtPlotItemList ours = plot.itemList(QwtPlotItem::Rtti_PlotCurve);
-    for (QwtPlotItem* item : ours) {
-        const auto* curve = static_cast<QwtPlotCurve*>(item);
-        if (curve->isVisible()) {
-            auto* plain = new QwtPlotCurve();
-            plain->setPen(curve->pen());
-            QVector<QPointF> samples;
-            for (size_t i = 0; i < curve->dataSize(); ++i) {
-                samples << curve->sample(i);
-            }
-            plain->setSamples(samples);
-            plain->attach(&plot);
-        }
-        plot.showCurve(item, false, false);
-    }
-    plot.replot();
-    const QImage reference = canvasImage(plot);
-    for (QwtPlotItem* item : plot.itemList(QwtPlotItem::Rtti_PlotCurve)) {
-        item->setVisible(false);
-    }
-    plot.replot();
-    const QImage empty = canvasImage(plot);
-
-    // Otherwise two empty pictures would pass.
-    QCOMPARE(chart != empty, visible);
-    const double share = differingShare(chart, reference);
-    if (share > kMaxDifferingShare) {
-        chart.save(QDir::temp().filePath("chart_filled.png"));
-        reference.save(QDir::temp().filePath("chart_plain.png"));
-    }
-    QVERIFY2(share <= kMaxDifferingShare, qPrintable(QString("%1 % of pixels differ (images in %2)")
-                                                         .arg(100.0 * share)
-                                                         .arg(QDir::tempPath())));
-}
-
 // Draws one curve item straight onto an image through `setup`'s painter.
 QImage drawItem(const QwtPlotCurve& curve, const std::function<void(QPainter&)>& setup) {
     QImage image = blankImage(QSize(300, 200));
@@ -186,121 +134,153 @@ class TestCurveDrawing : public QObject {
     Q_OBJECT
 
 private slots:
-    void filledStrokeMatchesQwtPolyline_data();
-    void filledStrokeMatchesQwtPolyline();
-    void chartMatchesPlainCurves_data();
-    void chartMatchesPlainCurves();
-    void otherPaintersDrawTheOrdinaryWay_data();
-    void otherPaintersDrawTheOrdinaryWay();
+    void filledStrokeMatchesQwtPolyline_data() {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<bool>("splitting");
+        const char* const kinds[] = {"dense columns", "short jumps", "anywhere", "half pixels"};
+        for (int kind = 0; kind < 4; ++kind) {
+            QTest::addRow("%s, in pieces", kinds[kind]) << kind << true;
+            QTest::addRow("%s, whole", kinds[kind]) << kind << false;
+        }
+    }
+
+    void filledStrokeMatchesQwtPolyline() {
+        QFETCH(int, kind);
+        QFETCH(bool, splitting);
+        const SplittingScope scope(splitting);
+        const QSize size(120, 90);
+        std::mt19937 rng(1000u + unsigned(kind));
+        for (int round = 0; round < 60; ++round) {
+            const QPolygonF line = randomPolyline(rng, kind, size);
+            QImage stroked = blankImage(size), filled = blankImage(size);
+            {
+                QPainter painter(&stroked);
+                painter.setPen(QPen(Qt::red, 2.0, Qt::SolidLine));
+                QwtPainter::drawPolyline(&painter, line);
+            }
+            {
+                QPainter painter(&filled);
+                FilledStroke(painter, QBrush(Qt::red), 2.0, polylineChunkSegments()).draw(line);
+            }
+            // The fills stand in for the stroke pixel for pixel.
+            QVERIFY2(stroked == filled,
+                     qPrintable(QString("round %1: %2 % of pixels differ")
+                                    .arg(round)
+                                    .arg(100.0 * differingShare(stroked, filled))));
+        }
+    }
+
+    void chartMatchesPlainCurves_data() {
+        QTest::addColumn<SeriesSet>("set");
+        QTest::addColumn<double>("t0");
+        QTest::addColumn<double>("t1");
+        QTest::addColumn<double>("v0");
+        QTest::addColumn<double>("v1");
+        QTest::addColumn<bool>("visible");
+        // The live chart: far more samples than pixel columns, the first 30 % left of the axis.
+        QTest::newRow("400 Hz, 13 s in a 10 s window")
+            << imuLike(0.0, 13.0, 400.0, 1) << 3.0 << 13.0 << -11.0 << 11.0 << true;
+        QTest::newRow("sparse, columns apart")
+            << imuLike(0.0, 10.0, 6.0, 3) << 0.0 << 10.0 << -11.0 << 11.0 << true;
+        // Knocks and values beyond the value range: clipped at the top and bottom too.
+        QTest::newRow("clipped at every edge")
+            << imuLike(0.0, 13.0, 400.0, 4) << 4.0 << 9.0 << -1.0 << 1.5 << true;
+        QTest::newRow("time runs back")
+            << SeriesSet{fromPoints({{1, 0}, {5, 3}, {3, -2}, {3.01, 2}, {8, 1}, {2, -4}, {9, 0}})}
+            << 0.0 << 10.0 << -5.0 << 5.0 << true;
+        QTest::newRow("two samples")
+            << SeriesSet{fromPoints({{2, -3}, {7, 4}})} << 0.0 << 10.0 << -5.0 << 5.0 << true;
+        // A polyline of one point draws nothing, either way.
+        QTest::newRow("one sample")
+            << SeriesSet{fromPoints({{5, 0}})} << 0.0 << 10.0 << -5.0 << 5.0 << false;
+    }
+
+    // The chart with its own curves, then the same plot with its curves hidden and plain
+    // QwtPlotCurves of the same pens given the same samples.
+    void chartMatchesPlainCurves() {
+        QFETCH(SeriesSet, set);
+        QFETCH(double, t0);
+        QFETCH(double, t1);
+        QFETCH(double, v0);
+        QFETCH(double, v1);
+        QFETCH(bool, visible);
+        DataPlot plot;
+        plot.resize(520, 260);
+        plot.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&plot));
+        const DataPlot::DataType types[] = {DataPlot::ACC_X, DataPlot::ACC_Y, DataPlot::ACC_Z};
+        for (int a = 0; a < set.size(); ++a) {
+            plot.updateData(types[a], set[a].t, set[a].v, false);
+        }
+        plot.setTimeRange(t0, t1, false);
+        plot.setValRange(v0, v1, false);
+        plot.replot();
+        const QImage chart = canvasImage(plot);
+
+        const QwtPlotItemList ours = plot.itemList(QwtPlotItem::Rtti_PlotCurve);
+        for (QwtPlotItem* item : ours) {
+            const auto* curve = static_cast<QwtPlotCurve*>(item);
+            if (curve->isVisible()) {
+                auto* plain = new QwtPlotCurve();
+                plain->setPen(curve->pen());
+                QVector<QPointF> samples;
+                for (size_t i = 0; i < curve->dataSize(); ++i) {
+                    samples << curve->sample(i);
+                }
+                plain->setSamples(samples);
+                plain->attach(&plot);
+            }
+            plot.showCurve(item, false, false);
+        }
+        plot.replot();
+        const QImage reference = canvasImage(plot);
+        for (QwtPlotItem* item : plot.itemList(QwtPlotItem::Rtti_PlotCurve)) {
+            item->setVisible(false);
+        }
+        plot.replot();
+        const QImage empty = canvasImage(plot);
+
+        // Otherwise two empty pictures would pass.
+        QCOMPARE(chart != empty, visible);
+        const double share = differingShare(chart, reference);
+        QVERIFY2(share <= kMaxDifferingShare,
+                 qPrintable(QString("%1 % of pixels differ").arg(100 * share)));
+    }
+
+    // Where fills could not stand in for the stroke exactly, the chart's curve must draw just as a
+    // plain one does.
+    void otherPaintersDrawTheOrdinaryWay_data() {
+        QTest::addColumn<int>("variant");
+        QTest::newRow("scaled painter") << 0;
+        QTest::newRow("antialiased") << 1;
+        QTest::newRow("dashed pen") << 2;
+        QTest::newRow("odd pen width") << 3;
+        QTest::newRow("half-pixel offset") << 4;
+    }
+
+    void otherPaintersDrawTheOrdinaryWay() {
+        QFETCH(int, variant);
+        const SeriesSet set = imuLike(0.0, 10.0, 400.0, 5);
+        DataCurve ours("ours");
+        QwtPlotCurve plain("plain");
+        QPen pen(QColor(255, 87, 87), variant == 3 ? 3.0 : 2.0,
+                 variant == 2 ? Qt::DashLine : Qt::SolidLine);
+        ours.setPen(pen);
+        plain.setPen(pen);
+        ours.setSamples(set[0].t, set[0].v);
+        plain.setSamples(set[0].t, set[0].v);
+        auto setup = [variant](QPainter& painter) {
+            if (variant == 0) {
+                painter.scale(1.3, 1.3);
+            } else if (variant == 1) {
+                painter.setRenderHint(QPainter::Antialiasing);
+            } else if (variant == 4) {
+                painter.translate(0.5, 0.5);
+            }
+        };
+        QCOMPARE(drawItem(ours, setup), drawItem(plain, setup));
+    }
 };
-
-void TestCurveDrawing::filledStrokeMatchesQwtPolyline_data() {
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<bool>("splitting");
-    const char* const kinds[] = {"dense columns", "short jumps", "anywhere", "half pixels"};
-    for (int kind = 0; kind < 4; ++kind) {
-        QTest::addRow("%s, in pieces", kinds[kind]) << kind << true;
-        QTest::addRow("%s, whole", kinds[kind]) << kind << false;
-    }
-}
-
-void TestCurveDrawing::filledStrokeMatchesQwtPolyline() {
-    QFETCH(int, kind);
-    QFETCH(bool, splitting);
-    const SplittingScope scope(splitting);
-    const QSize size(120, 90);
-    std::mt19937 rng(1000u + unsigned(kind));
-    for (int round = 0; round < 60; ++round) {
-        const QPolygonF line = randomPolyline(rng, kind, size);
-        QImage stroked = blankImage(size), filled = blankImage(size);
-        {
-            QPainter painter(&stroked);
-            painter.setPen(QPen(Qt::red, 2.0, Qt::SolidLine));
-            QwtPainter::drawPolyline(&painter, line);
-        }
-        {
-            QPainter painter(&filled);
-            FilledStroke(painter, QBrush(Qt::red), 2.0, polylineChunkSegments()).draw(line);
-        }
-        // The fills stand in for the stroke pixel for pixel.
-        QVERIFY2(stroked == filled, qPrintable(QString("round %1: %2 % of pixels differ")
-                                                   .arg(round)
-                                                   .arg(100.0 * differingShare(stroked, filled))));
-    }
-}
-
-void TestCurveDrawing::chartMatchesPlainCurves_data() {
-    QTest::addColumn<SeriesSet>("set");
-    QTest::addColumn<double>("t0");
-    QTest::addColumn<double>("t1");
-    QTest::addColumn<double>("v0");
-    QTest::addColumn<double>("v1");
-    QTest::addColumn<bool>("visible");
-    // The live chart: far more samples than pixel columns, the first 30 % left of the axis.
-    QTest::newRow("400 Hz, 13 s in a 10 s window")
-        << imuLike(0.0, 13.0, 400.0, 1) << 3.0 << 13.0 << -11.0 << 11.0 << true;
-    QTest::newRow("50 Hz, a few samples per column")
-        << imuLike(20.0, 10.0, 50.0, 2) << 20.0 << 30.0 << -11.0 << 11.0 << true;
-    QTest::newRow("sparse, columns apart")
-        << imuLike(0.0, 10.0, 6.0, 3) << 0.0 << 10.0 << -11.0 << 11.0 << true;
-    // Knocks and values beyond the value range: clipped at the top and bottom too.
-    QTest::newRow("clipped at every edge")
-        << imuLike(0.0, 13.0, 400.0, 4) << 4.0 << 9.0 << -1.0 << 1.5 << true;
-    QTest::newRow("time runs back")
-        << SeriesSet{fromPoints({{1, 0}, {5, 3}, {3, -2}, {3.01, 2}, {8, 1}, {2, -4}, {9, 0}})}
-        << 0.0 << 10.0 << -5.0 << 5.0 << true;
-    QTest::newRow("flat line") << SeriesSet{fromPoints({{0, 1}, {4, 1}, {4, 1}, {10, 1}})} << 0.0
-                               << 10.0 << -5.0 << 5.0 << true;
-    QTest::newRow("two samples") << SeriesSet{fromPoints({{2, -3}, {7, 4}})} << 0.0 << 10.0 << -5.0
-                                 << 5.0 << true;
-    // A polyline of one point draws nothing, either way.
-    QTest::newRow("one sample") << SeriesSet{fromPoints({{5, 0}})} << 0.0 << 10.0 << -5.0 << 5.0
-                                << false;
-}
-
-void TestCurveDrawing::chartMatchesPlainCurves() {
-    QFETCH(SeriesSet, set);
-    QFETCH(double, t0);
-    QFETCH(double, t1);
-    QFETCH(double, v0);
-    QFETCH(double, v1);
-    QFETCH(bool, visible);
-    compareWithPlainCurves(set, t0, t1, v0, v1, visible);
-}
-
-// Where fills could not stand in for the stroke exactly, the chart's curve must draw just as a
-// plain one does.
-void TestCurveDrawing::otherPaintersDrawTheOrdinaryWay_data() {
-    QTest::addColumn<int>("variant");
-    QTest::newRow("scaled painter") << 0;
-    QTest::newRow("antialiased") << 1;
-    QTest::newRow("dashed pen") << 2;
-    QTest::newRow("odd pen width") << 3;
-    QTest::newRow("half-pixel offset") << 4;
-}
-
-void TestCurveDrawing::otherPaintersDrawTheOrdinaryWay() {
-    QFETCH(int, variant);
-    const SeriesSet set = imuLike(0.0, 10.0, 400.0, 5);
-    DataCurve ours("ours");
-    QwtPlotCurve plain("plain");
-    QPen pen(QColor(255, 87, 87), variant == 3 ? 3.0 : 2.0,
-             variant == 2 ? Qt::DashLine : Qt::SolidLine);
-    ours.setPen(pen);
-    plain.setPen(pen);
-    ours.setSamples(set[0].t, set[0].v);
-    plain.setSamples(set[0].t, set[0].v);
-    auto setup = [variant](QPainter& painter) {
-        if (variant == 0) {
-            painter.scale(1.3, 1.3);
-        } else if (variant == 1) {
-            painter.setRenderHint(QPainter::Antialiasing);
-        } else if (variant == 4) {
-            painter.translate(0.5, 0.5);
-        }
-    };
-    QCOMPARE(drawItem(ours, setup), drawItem(plain, setup));
-}
 
 WIDGET_TEST_MAIN(TestCurveDrawing)
 #include "tst_curvedrawing.moc"

@@ -1,12 +1,12 @@
+// The chart: which curves a sensor shows, when changes reach the screen, the time labels and
+// the tracker's text and box.
 #include <qwt_plot_curve.h>
-#include <qwt_scale_draw.h>
-#include <qwt_scale_widget.h>
 
 #include <QtTest>
 #include <QtWidgets>
-#include <functional>
 #include <memory>
 
+#include "CurveTracker.h"
 #include "DataPlot.h"
 #include "PlotImages.h"
 #include "TimeScaleDraw.h"
@@ -14,31 +14,12 @@
 
 namespace {
 
-QList<const QwtPlotCurve*> curvesOf(const QwtPlot& plot) {
-    QList<const QwtPlotCurve*> curves;
-    for (const QwtPlotItem* item : plot.itemList(QwtPlotItem::Rtti_PlotCurve)) {
-        curves << static_cast<const QwtPlotCurve*>(item);
-    }
-    return curves;
-}
-
 QStringList visibleCurveTitles(const QwtPlot& plot) {
     QStringList titles;
-    for (const QwtPlotCurve* curve : curvesOf(plot)) {
-        if (curve->isVisible()) {
-            titles << curve->title().text();
-        }
+    for (const QwtPlotItem* item : plot.itemList(QwtPlotItem::Rtti_PlotCurve)) {
+        if (item->isVisible()) titles << item->title().text();
     }
     return titles;
-}
-
-const QwtPlotCurve* curveTitled(const QwtPlot& plot, const QString& title) {
-    for (const QwtPlotCurve* curve : curvesOf(plot)) {
-        if (curve->title().text() == title) {
-            return curve;
-        }
-    }
-    return nullptr;
 }
 
 // A plot on screen with some accelerometer data, values -5..5 over 0..10 s.
@@ -60,25 +41,33 @@ std::unique_ptr<DataPlot> shownPlotWithData() {
     return plot;
 }
 
-using Change = std::function<void(DataPlot&, bool replot)>;
+// Reads the tracker text at exact plot coordinates, which the protected interface takes.
+class TextProbe : public CurveTracker {
+public:
+    using CurveTracker::CurveTracker;
+    using CurveTracker::trackerTextF;
+};
 
-// A change made with replot false leaves the screen as it was until replot(); made with replot
-// true it shows at once.
-void checkShownOnlyOnReplot(const Change& change) {
-    auto deferred = shownPlotWithData();
-    QVERIFY(QTest::qWaitForWindowExposed(deferred.get()));
-    const QImage before = canvasImage(*deferred);
-    change(*deferred, false);
-    QCoreApplication::processEvents();
-    QCOMPARE(canvasImage(*deferred), before);
-    deferred->replot();
-    const QImage after = canvasImage(*deferred);
-    QVERIFY(after != before);
+QString red(const QString& value) { return "<font color=#ff5757>" + value + "</font>"; }
+QString green(const QString& value) { return "<font color=#30d695>" + value + "</font>"; }
 
-    auto immediate = shownPlotWithData();
-    QVERIFY(QTest::qWaitForWindowExposed(immediate.get()));
-    change(*immediate, true);
-    QCOMPARE(canvasImage(*immediate), after);
+// Acc. X from 10 s to 13 s, Acc. Y from 11 s to 12 s, Acc. Z empty; the axis spans 8 to 16 s.
+void feed(DataPlot& plot) {
+    plot.updateData(DataPlot::ACC_X, {10, 11, 12, 13}, {1, 2, 4, 8}, false);
+    plot.updateData(DataPlot::ACC_Y, {11, 12}, {-1, -3}, false);
+    plot.setTimeRange(8.0, 16.0, false);
+    plot.setValRange(-10.0, 10.0, false);
+    plot.replot();
+}
+
+// Moves the mouse into the canvas the way the window system would: it enters (which starts the
+// tracker and with it mouse tracking), then moves.
+void hover(QWidget* canvas, const QPoint& pos) {
+    QEnterEvent enter(pos, pos, canvas->mapToGlobal(pos));
+    QApplication::sendEvent(canvas, &enter);
+    QMouseEvent move(QEvent::MouseMove, pos, canvas->mapToGlobal(pos), Qt::NoButton, Qt::NoButton,
+                     Qt::NoModifier);
+    QApplication::sendEvent(canvas, &move);
 }
 
 }  // namespace
@@ -87,206 +76,193 @@ class TestDataPlot : public QObject {
     Q_OBJECT
 
 private slots:
-    void startsWithAccelerometerAndTenSeconds();
-    void sensorTypeShowsItsCurvesAndTitle_data();
-    void sensorTypeShowsItsCurvesAndTitle();
-    void unknownSensorTypeHidesEverythingKeepsTitle();
-    void curveColoursAndPens_data();
-    void curveColoursAndPens();
-    void updateDataUsesShorterVector();
-    void rangesChangeScalesOnlyOnReplot();
-    void valueRangeShowsOnlyOnReplot();
-    void timeRangeShowsOnlyOnReplot();
-    void newDataShowsOnlyOnReplot();
-    void hidingCurveShowsOnlyOnReplot();
-    void timeLabels_data();
-    void timeLabels();
-    void timeLabelsFromOtherBase();
-};
-
-void TestDataPlot::startsWithAccelerometerAndTenSeconds() {
-    DataPlot plot;
-    QCOMPARE(curvesOf(plot).size(), 15);
-    QCOMPARE(visibleCurveTitles(plot), QStringList({"Acc. X", "Acc. Y", "Acc. Z"}));
-    for (const QwtPlotCurve* curve : curvesOf(plot)) {
-        QCOMPARE(curve->dataSize(), size_t(0));
+    void sensorTypeShowsItsCurvesAndTitle_data() {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QString>("axisTitle");
+        QTest::addColumn<QStringList>("curves");
+        QTest::newRow("accelerometer")
+            << int(DataPlot::ACCELEROMETER) << QString::fromUtf8("Accelerations [m/s²]")
+            << QStringList({"Acc. X", "Acc. Y", "Acc. Z"});
+        QTest::newRow("barometer")
+            << int(DataPlot::BAROMETER) << QString("Atmospheric Pressure [hPa]")
+            << QStringList({"Rel. Altitude"});
+        QTest::newRow("temperature")
+            << int(DataPlot::TEMPERATURE) << QString::fromUtf8("Camera temperatures [°C]")
+            << QStringList({"Temperature Camera Left", "Temperature Camera Right"});
+        // An unknown type hides every curve and keeps the title it had.
+        QTest::newRow("unknown") << 6 << QString::fromUtf8("Camera temperatures [°C]")
+                                 << QStringList();
     }
-    QCOMPARE(plot.axisTitle(QwtPlot::yLeft).text(), QString::fromUtf8("Accelerations [m/s²]"));
-    QCOMPARE(plot.axisTitle(QwtPlot::xBottom).text(), QString("Timestamp [h:m:s]"));
-    QCOMPARE(plot.axisScaleDiv(QwtPlot::xBottom).lowerBound(), 0.0);
-    QCOMPARE(plot.axisScaleDiv(QwtPlot::xBottom).upperBound(), 10.0);
-    QCOMPARE(plot.axisScaleDraw(QwtPlot::xBottom)->label(0.0).text(), QString("00:00:00"));
-    QVERIFY(!plot.axisAutoScale(QwtPlot::yLeft));
-    QVERIFY(!plot.autoReplot());
-    // Tick labels in the light axis font, titles in the medium one.
-    QCOMPARE(plot.axisFont(QwtPlot::xBottom).weight(), int(QFont::Light));
-    QCOMPARE(plot.axisFont(QwtPlot::yLeft).weight(), int(QFont::Light));
-    QCOMPARE(plot.axisTitle(QwtPlot::xBottom).font().weight(), int(QFont::Medium));
-}
 
-void TestDataPlot::sensorTypeShowsItsCurvesAndTitle_data() {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<QString>("axisTitle");
-    QTest::addColumn<QStringList>("curves");
-    QTest::newRow("accelerometer")
-        << int(DataPlot::ACCELEROMETER) << QString::fromUtf8("Accelerations [m/s²]")
-        << QStringList({"Acc. X", "Acc. Y", "Acc. Z"});
-    QTest::newRow("gyroscope") << int(DataPlot::GYROSCOPE)
-                               << QString::fromUtf8("Angular velocities [°/s]")
-                               << QStringList({"Gyr. X", "Gyr. Y", "Gyr. Z"});
-    QTest::newRow("magnetometer") << int(DataPlot::MAGNETOMETER)
-                                  << QString::fromUtf8("Magnetic fields [µT]")
-                                  << QStringList({"Mag. X", "Mag. Y", "Mag. Z"});
-    QTest::newRow("orientation") << int(DataPlot::ORIENTATION)
-                                 << QString::fromUtf8("Orientation [°]")
-                                 << QStringList({"Or. X", "Or. Y", "Or. Z"});
-    QTest::newRow("barometer") << int(DataPlot::BAROMETER) << QString("Atmospheric Pressure [hPa]")
-                               << QStringList({"Rel. Altitude"});
-    QTest::newRow("temperature") << int(DataPlot::TEMPERATURE)
-                                 << QString::fromUtf8("Camera temperatures [°C]")
-                                 << QStringList(
-                                        {"Temperature Camera Left", "Temperature Camera Right"});
-}
-
-void TestDataPlot::sensorTypeShowsItsCurvesAndTitle() {
-    QFETCH(int, type);
-    QFETCH(QString, axisTitle);
-    QFETCH(QStringList, curves);
-    DataPlot plot;
-    // From a sensor other than the default one, so that every curve of the old sensor must go.
-    plot.setSensorType(DataPlot::TEMPERATURE);
-    plot.setSensorType(DataPlot::SensorType(type));
-    QCOMPARE(visibleCurveTitles(plot), curves);
-    QCOMPARE(plot.axisTitle(QwtPlot::yLeft).text(), axisTitle);
-    QCOMPARE(plot.axisTitle(QwtPlot::xBottom).text(), QString("Timestamp [h:m:s]"));
-}
-
-void TestDataPlot::unknownSensorTypeHidesEverythingKeepsTitle() {
-    DataPlot plot;
-    plot.setSensorType(DataPlot::GYROSCOPE);
-    plot.setSensorType(DataPlot::SensorType(6));
-    QVERIFY(visibleCurveTitles(plot).isEmpty());
-    QCOMPARE(plot.axisTitle(QwtPlot::yLeft).text(), QString::fromUtf8("Angular velocities [°/s]"));
-}
-
-void TestDataPlot::curveColoursAndPens_data() {
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QColor>("colour");
-    const QColor red(255, 87, 87), green(48, 214, 149), blue(0, 190, 255);
-    const char* const axes[][3] = {
-        {"Acc. X", "Acc. Y", "Acc. Z"},
-        {"Gyr. X", "Gyr. Y", "Gyr. Z"},
-        {"Mag. X", "Mag. Y", "Mag. Z"},
-        {"Or. X", "Or. Y", "Or. Z"},
-    };
-    for (const auto& sensor : axes) {
-        QTest::newRow(sensor[0]) << QString(sensor[0]) << red;
-        QTest::newRow(sensor[1]) << QString(sensor[1]) << green;
-        QTest::newRow(sensor[2]) << QString(sensor[2]) << blue;
+    void sensorTypeShowsItsCurvesAndTitle() {
+        QFETCH(int, type);
+        QFETCH(QString, axisTitle);
+        QFETCH(QStringList, curves);
+        DataPlot plot;
+        // From a sensor other than the default one, so that every curve of the old sensor must go.
+        plot.setSensorType(DataPlot::TEMPERATURE);
+        plot.setSensorType(DataPlot::SensorType(type));
+        QCOMPARE(visibleCurveTitles(plot), curves);
+        QCOMPARE(plot.axisTitle(QwtPlot::yLeft).text(), axisTitle);
     }
-    QTest::newRow("altitude") << QString("Rel. Altitude") << QColor(255, 87, 48);
-    QTest::newRow("left") << QString("Temperature Camera Left") << green;
-    QTest::newRow("right") << QString("Temperature Camera Right") << blue;
-}
 
-void TestDataPlot::curveColoursAndPens() {
-    QFETCH(QString, title);
-    QFETCH(QColor, colour);
-    DataPlot plot;
-    const QwtPlotCurve* curve = curveTitled(plot, title);
-    QVERIFY(curve);
-    QCOMPARE(curve->pen().color(), colour);
-    QCOMPARE(curve->pen().color().alpha(), 255);
-    QCOMPARE(curve->pen().widthF(), 2.0);
-    QCOMPARE(curve->pen().style(), Qt::SolidLine);
-    QCOMPARE(curve->style(), QwtPlotCurve::Lines);
-    QVERIFY(!curve->testRenderHint(QwtPlotItem::RenderAntialiased));
-}
+    void updateDataUsesShorterVector() {
+        DataPlot plot;
+        plot.updateData(DataPlot::MAG_Y, {1.0, 2.0, 3.0}, {10.0, 20.0}, false);
+        const QwtPlotItemList curves = plot.itemList(QwtPlotItem::Rtti_PlotCurve);
+        const auto* curve = static_cast<const QwtPlotCurve*>(curves[DataPlot::MAG_Y]);
+        QCOMPARE(curve->title().text(), QString("Mag. Y"));
+        QCOMPARE(curve->dataSize(), size_t(2));
+        QCOMPARE(curve->sample(1), QPointF(2.0, 20.0));
+        QCOMPARE(static_cast<const QwtPlotCurve*>(curves[DataPlot::MAG_X])->dataSize(), size_t(0));
+    }
 
-void TestDataPlot::updateDataUsesShorterVector() {
-    DataPlot plot;
-    plot.updateData(DataPlot::MAG_Y, {1.0, 2.0, 3.0}, {10.0, 20.0}, false);
-    const QwtPlotCurve* curve = curveTitled(plot, "Mag. Y");
-    QCOMPARE(curve->dataSize(), size_t(2));
-    QCOMPARE(curve->sample(1), QPointF(2.0, 20.0));
-    // Only the addressed curve changes.
-    QCOMPARE(curveTitled(plot, "Mag. X")->dataSize(), size_t(0));
+    // A change made with replot false leaves the screen as it was until replot(); made with
+    // replot true it shows at once.
+    void changesShowOnlyOnReplot_data() {
+        QTest::addColumn<int>("change");
+        QTest::newRow("value range") << 0;
+        QTest::newRow("new data") << 2;
+        QTest::newRow("hidden curve") << 3;
+    }
 
-    plot.updateData(DataPlot::MAG_Y, {}, {}, false);
-    QCOMPARE(curve->dataSize(), size_t(0));
-}
-
-void TestDataPlot::rangesChangeScalesOnlyOnReplot() {
-    DataPlot plot;
-    plot.setValRange(-3.0, 7.0, false);
-    plot.setTimeRange(100.0, 160.0, false);
-    QCOMPARE(plot.axisScaleDiv(QwtPlot::xBottom).upperBound(), 10.0);
-    plot.replot();
-    QCOMPARE(plot.axisScaleDiv(QwtPlot::yLeft).lowerBound(), -3.0);
-    QCOMPARE(plot.axisScaleDiv(QwtPlot::yLeft).upperBound(), 7.0);
-    QCOMPARE(plot.axisScaleDiv(QwtPlot::xBottom).lowerBound(), 100.0);
-    QCOMPARE(plot.axisScaleDiv(QwtPlot::xBottom).upperBound(), 160.0);
-    // No minor ticks on either axis.
-    QVERIFY(plot.axisScaleDiv(QwtPlot::yLeft).ticks(QwtScaleDiv::MinorTick).isEmpty());
-    QVERIFY(plot.axisScaleDiv(QwtPlot::xBottom).ticks(QwtScaleDiv::MinorTick).isEmpty());
-
-    plot.setValRange(0.0, 1.0, true);
-    QCOMPARE(plot.axisScaleDiv(QwtPlot::yLeft).upperBound(), 1.0);
-    plot.setTimeRange(5.0, 6.0, true);
-    QCOMPARE(plot.axisScaleDiv(QwtPlot::xBottom).lowerBound(), 5.0);
-}
-
-void TestDataPlot::valueRangeShowsOnlyOnReplot() {
-    checkShownOnlyOnReplot(
-        [](DataPlot& plot, bool replot) { plot.setValRange(-2.0, 2.0, replot); });
-}
-
-void TestDataPlot::timeRangeShowsOnlyOnReplot() {
-    checkShownOnlyOnReplot(
-        [](DataPlot& plot, bool replot) { plot.setTimeRange(2.0, 4.0, replot); });
-}
-
-void TestDataPlot::newDataShowsOnlyOnReplot() {
-    checkShownOnlyOnReplot([](DataPlot& plot, bool replot) {
-        plot.updateData(DataPlot::ACC_Z, {0.0, 10.0}, {-4.0, 4.0}, replot);
-    });
-}
-
-void TestDataPlot::hidingCurveShowsOnlyOnReplot() {
-    checkShownOnlyOnReplot([](DataPlot& plot, bool replot) {
-        for (QwtPlotItem* item : plot.itemList(QwtPlotItem::Rtti_PlotCurve)) {
-            if (item->title().text() == "Acc. X") {
-                plot.showCurve(item, false, replot);
+    void changesShowOnlyOnReplot() {
+        QFETCH(int, change);
+        const auto apply = [change](DataPlot& plot, bool replot) {
+            if (change == 0) plot.setValRange(-2.0, 2.0, replot);
+            if (change == 2) plot.updateData(DataPlot::ACC_Z, {0.0, 10.0}, {-4.0, 4.0}, replot);
+            if (change == 3) {
+                QwtPlotItem* accX = plot.itemList(QwtPlotItem::Rtti_PlotCurve).first();
+                QCOMPARE(accX->title().text(), QString("Acc. X"));
+                plot.showCurve(accX, false, replot);
             }
+        };
+        auto deferred = shownPlotWithData();
+        QVERIFY(QTest::qWaitForWindowExposed(deferred.get()));
+        const QImage before = canvasImage(*deferred);
+        apply(*deferred, false);
+        QCoreApplication::processEvents();
+        QCOMPARE(canvasImage(*deferred), before);
+        deferred->replot();
+        const QImage after = canvasImage(*deferred);
+        QVERIFY(after != before);
+
+        auto immediate = shownPlotWithData();
+        QVERIFY(QTest::qWaitForWindowExposed(immediate.get()));
+        apply(*immediate, true);
+        QCOMPARE(canvasImage(*immediate), after);
+    }
+
+    // Hours, minutes and seconds after the base time, wrapping at a day; fractions are dropped.
+    void timeLabels_data() {
+        QTest::addColumn<QTime>("base");
+        QTest::addColumn<double>("seconds");
+        QTest::addColumn<QString>("label");
+        const QTime midnight(0, 0, 0, 0);
+        QTest::newRow("zero") << midnight << 0.0 << "00:00:00";
+        QTest::newRow("fraction dropped") << midnight << 3725.9 << "01:02:05";
+        QTest::newRow("a day wraps") << midnight << 86400.0 << "00:00:00";
+        QTest::newRow("a day and more") << midnight << 90061.5 << "01:01:01";
+        QTest::newRow("before zero") << midnight << -1.5 << "23:59:59";
+        QTest::newRow("just before zero truncates to zero") << midnight << -0.5 << "00:00:00";
+        QTest::newRow("other base") << QTime(12, 30, 0) << 75.2 << "12:31:15";
+        QTest::newRow("not a number") << midnight << qQNaN() << "";
+    }
+
+    void timeLabels() {
+        QFETCH(QTime, base);
+        QFETCH(double, seconds);
+        QFETCH(QString, label);
+        QCOMPARE(TimeScaleDraw(base).label(seconds).text(), label);
+    }
+
+    // ---- tracker ----
+
+    void emptyLeftOfEveryCurve() {
+        DataPlot plot;
+        plot.resize(600, 300);
+        plot.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&plot));
+        feed(plot);
+        const QwtPicker* tracker = plot.canvas()->findChild<CurveTracker*>();
+        // Every pixel left of the first sample (10 s), through the chart's own tracker.
+        const int firstSample = int(plot.transform(QwtPlot::xBottom, 10.0));
+        for (int x = 0; x < firstSample - 1; ++x) {
+            QVERIFY2(tracker->trackerText(QPoint(x, 50)).isEmpty(), qPrintable(QString::number(x)));
         }
-    });
-}
+        // ...and not empty right of it, so the loop above could have failed.
+        QVERIFY(!tracker->trackerText(QPoint(firstSample + 5, 50)).isEmpty());
+    }
 
-void TestDataPlot::timeLabels_data() {
-    QTest::addColumn<double>("seconds");
-    QTest::addColumn<QString>("label");
-    QTest::newRow("zero") << 0.0 << "00:00:00";
-    QTest::newRow("fraction dropped") << 3725.9 << "01:02:05";
-    QTest::newRow("just below a minute") << 59.999 << "00:00:59";
-    QTest::newRow("last second of a day") << 86399.0 << "23:59:59";
-    QTest::newRow("a day wraps") << 86400.0 << "00:00:00";
-    QTest::newRow("a day and more") << 90061.5 << "01:01:01";
-    QTest::newRow("before zero") << -1.5 << "23:59:59";
-    QTest::newRow("just before zero truncates to zero") << -0.5 << "00:00:00";
-}
+    void valuesOfCurvesAroundCursor_data() {
+        QTest::addColumn<double>("time");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("before both") << 9.99 << QString();
+        QTest::newRow("first sample") << 10.0 << red("1.00");
+        QTest::newRow("between samples, interpolated") << 10.25 << red("1.25");
+        QTest::newRow("both curves, in plot order")
+            << 11.5 << red("3.00") + "<br>" + green("-2.00");
+        QTest::newRow("last sample of the shorter curve")
+            << 12.0 << red("4.00") + "<br>" + green("-3.00");
+        QTest::newRow("after the shorter curve") << 12.5 << red("6.00");
+        QTest::newRow("last sample") << 13.0 << red("8.00");
+    }
 
-void TestDataPlot::timeLabels() {
-    QFETCH(double, seconds);
-    QFETCH(QString, label);
-    const TimeScaleDraw draw(QTime(0, 0, 0, 0));
-    QCOMPARE(draw.label(seconds).text(), label);
-}
+    void valuesOfCurvesAroundCursor() {
+        QFETCH(double, time);
+        QFETCH(QString, text);
+        DataPlot plot;
+        feed(plot);
+        const TextProbe probe(plot.canvas());
+        QCOMPARE(probe.trackerTextF(QPointF(time, 0.0)).text(), text);
+    }
 
-void TestDataPlot::timeLabelsFromOtherBase() {
-    const TimeScaleDraw draw(QTime(12, 30, 0));
-    QCOMPARE(draw.label(75.2).text(), QString("12:31:15"));
-    QCOMPARE(draw.label(qQNaN()).text(), QString());
-}
+    void hiddenCurvesLeftOut() {
+        DataPlot plot;
+        feed(plot);
+        plot.updateData(DataPlot::GYR_Z, {10, 14}, {0, 40}, false);
+        const TextProbe probe(plot.canvas());
+        plot.setSensorType(DataPlot::GYROSCOPE);
+        QCOMPARE(probe.trackerTextF(QPointF(11.5, 0.0)).text(),
+                 QString("<font color=#00beff>15.00</font>"));
+    }
+
+    void boxBesideCursorInsideCanvas_data() {
+        QTest::addColumn<double>("across");  // cursor position as a share of the canvas width
+        QTest::addColumn<double>("down");
+        QTest::addColumn<bool>("boxOnRight");
+        QTest::newRow("left, middle") << 0.3 << 0.5 << true;
+        QTest::newRow("near the bottom right corner") << 0.97 << 0.99 << false;
+    }
+
+    void boxBesideCursorInsideCanvas() {
+        QFETCH(double, across);
+        QFETCH(double, down);
+        QFETCH(bool, boxOnRight);
+        DataPlot plot;
+        plot.resize(600, 300);
+        plot.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&plot));
+        // Samples across the whole time axis, so that there is text everywhere.
+        plot.updateData(DataPlot::ACC_X, {8, 16}, {-5, 5}, false);
+        plot.setTimeRange(8.0, 16.0, false);
+        plot.setValRange(-10.0, 10.0, true);
+        QWidget* canvas = plot.canvas();
+        const auto* tracker = canvas->findChild<CurveTracker*>();
+
+        const QPoint cursor(int(across * canvas->width()), int(down * canvas->height()));
+        hover(canvas, cursor);
+        QVERIFY(tracker->isActive());
+        QCOMPARE(tracker->trackerPosition(), cursor);
+
+        const QRect box = tracker->trackerRect(tracker->trackerFont());
+        QVERIFY(!box.isEmpty());
+        QVERIFY(canvas->contentsRect().contains(box));
+        QVERIFY(!box.contains(cursor));
+        QCOMPARE(box.left() > cursor.x(), boxOnRight);
+        QCOMPARE(box.right() < cursor.x(), !boxOnRight);
+    }
+};
 
 WIDGET_TEST_MAIN(TestDataPlot)
 #include "tst_dataplot.moc"

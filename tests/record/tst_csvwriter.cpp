@@ -67,175 +67,139 @@ QByteArray readAll(const QString& path) {
 class TestCsvWriter : public QObject {
     Q_OBJECT
 
-private slots:
-    void initTestCase();
-    void writesHeaderThenRows();
-    void keepsTheGroupsChosenAtOpen();
-    void reopeningStartsAFreshFile();
-    void rowsWithoutAnOpenFileAreDropped();
-    void openFailsWhereNoFileCanBeWritten_data();
-    void openFailsWhereNoFileCanBeWritten();
-    void killedWriterLeavesOnlyCompleteRows_data();
-    void killedWriterLeavesOnlyCompleteRows();
-
-private:
     TempSettings settings;
     QTemporaryDir dir;
-};
 
-void TestCsvWriter::initTestCase() {
-    QVERIFY(settings.isValid());
-    QVERIFY(dir.isValid());
-}
-
-void TestCsvWriter::writesHeaderThenRows() {
-    const QString path = dir.filePath("rows.csv");
-    const RecOptions options = allGroups();
-    CsvWriter writer;
-    QVERIFY(writer.open(path, options));
-    QVERIFY(writer.isOpen());
-    QCOMPARE(writer.fileName(), path);
-    for (int i = 10; i < 13; ++i) {
-        QVERIFY(writer.writeRow(childRow(i)));
+private slots:
+    void initTestCase() {
+        QVERIFY(settings.isValid());
+        QVERIFY(dir.isValid());
     }
-    // Every row is in the file before the writer closes.
-    const QByteArray expected =
-        csvHeader(options).toUtf8() +
-        QByteArray::fromStdString(expectedLine(options, 10) + expectedLine(options, 11) +
-                                  expectedLine(options, 12));
-    QCOMPARE(readAll(path), expected);
-    writer.close();
-    QVERIFY(!writer.isOpen());
-    QCOMPARE(readAll(path), expected);
-}
 
-void TestCsvWriter::keepsTheGroupsChosenAtOpen() {
-    const QString path = dir.filePath("groups.csv");
-    RecOptions options = allGroups();
-    options.accelerometer = options.gyroscope = options.magnetometer = options.orientation =
-        options.barometer = options.temperatures = false;
-    CsvWriter writer;
-    QVERIFY(writer.open(path, options));
-    options.accelerometer = true;  // a later change of the caller's options does not matter
-    CsvRow row;
-    row.index = 5;
-    row.imuTime = 0.5;
-    row.movingState = 1.0;
-    QVERIFY(writer.writeRow(row));
-    writer.close();
-    QCOMPARE(readAll(path),
-             QByteArray("idx,imu_Timestamp[sec],moving, \n5,0.500000000,1.000000000,\n"));
-}
+    // Header, then each row in the file as soon as it is written; nothing before opening or
+    // after closing; a new open starts a fresh file.
+    void writesHeaderThenRows() {
+        const QString path = dir.filePath("rows.csv");
+        const RecOptions options = allGroups();
+        CsvWriter writer;
+        QVERIFY(!writer.writeRow(childRow(0)));
+        QVERIFY(writer.open(path, options));
+        QVERIFY(writer.isOpen());
+        QCOMPARE(writer.fileName(), path);
+        QByteArray expected = csvHeader(options).toUtf8();
+        for (int i = 10; i < 13; ++i) {
+            QVERIFY(writer.writeRow(childRow(i)));
+            expected += QByteArray::fromStdString(expectedLine(options, i));
+            QCOMPARE(readAll(path), expected);
+        }
+        writer.close();
+        QVERIFY(!writer.isOpen());
+        QVERIFY(!writer.writeRow(childRow(0)));
+        QCOMPARE(readAll(path), expected);
+        QVERIFY(writer.open(path, options));
+        writer.close();
+        QCOMPARE(readAll(path), csvHeader(options).toUtf8());
+    }
 
-void TestCsvWriter::reopeningStartsAFreshFile() {
-    const QString path = dir.filePath("again.csv");
-    const RecOptions options = allGroups();
-    {
+    void keepsTheGroupsChosenAtOpen() {
+        const QString path = dir.filePath("groups.csv");
+        RecOptions options = allGroups();
+        options.accelerometer = options.gyroscope = options.magnetometer = options.orientation =
+            options.barometer = options.temperatures = false;
         CsvWriter writer;
         QVERIFY(writer.open(path, options));
-        QVERIFY(writer.writeRow(childRow(1)));
-    }  // closed by the destructor
-    CsvWriter writer;
-    QVERIFY(writer.open(path, options));
-    writer.close();
-    QCOMPARE(readAll(path), csvHeader(options).toUtf8());
-}
-
-void TestCsvWriter::rowsWithoutAnOpenFileAreDropped() {
-    CsvWriter never;
-    QVERIFY(!never.isOpen());
-    QVERIFY(!never.writeRow(childRow(0)));
-
-    const QString path = dir.filePath("closed.csv");
-    CsvWriter writer;
-    QVERIFY(writer.open(path, allGroups()));
-    writer.close();
-    QVERIFY(!writer.writeRow(childRow(0)));
-    QCOMPARE(readAll(path), csvHeader(allGroups()).toUtf8());
-}
-
-void TestCsvWriter::openFailsWhereNoFileCanBeWritten_data() {
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<bool>("needsUnprivileged");
-    QDir(dir.path()).mkdir("existing_dir");
-    QFile plain(dir.filePath("plain_file"));
-    plain.open(QIODevice::WriteOnly);
-    QDir(dir.path()).mkdir("read_only");
-    QFile::setPermissions(dir.filePath("read_only"), QFile::ReadOwner | QFile::ExeOwner);
-
-    QTest::newRow("folder gone") << dir.filePath("gone/x.csv") << false;
-    QTest::newRow("folder is a file") << dir.filePath("plain_file/x.csv") << false;
-    QTest::newRow("name is a folder") << dir.filePath("existing_dir") << false;
-    QTest::newRow("read-only folder") << dir.filePath("read_only/x.csv") << true;
-}
-
-void TestCsvWriter::openFailsWhereNoFileCanBeWritten() {
-    QFETCH(QString, path);
-    QFETCH(bool, needsUnprivileged);
-    if (needsUnprivileged && geteuid() == 0) {
-        QSKIP("permissions do not stop the superuser");
+        options.accelerometer = true;  // a later change of the caller's options does not matter
+        CsvRow row;
+        row.index = 5;
+        row.imuTime = 0.5;
+        row.movingState = 1.0;
+        QVERIFY(writer.writeRow(row));
+        writer.close();
+        QCOMPARE(readAll(path),
+                 QByteArray("idx,imu_Timestamp[sec],moving, \n5,0.500000000,1.000000000,\n"));
     }
-    CsvWriter writer;
-    QVERIFY(!writer.open(path, allGroups()));
-    QVERIFY(!writer.isOpen());
-    QVERIFY(!writer.errorString().isEmpty());
-    QVERIFY(!writer.writeRow(childRow(0)));
-}
 
-void TestCsvWriter::killedWriterLeavesOnlyCompleteRows_data() {
-    QTest::addColumn<int>("killAfter");
-    QTest::newRow("early") << 50;
-    QTest::newRow("later") << 3000;
-    QTest::newRow("much later") << 20000;
-}
+    void openFailsWhereNoFileCanBeWritten_data() {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<bool>("needsUnprivileged");
+        QDir(dir.path()).mkdir("existing_dir");
+        QFile plain(dir.filePath("plain_file"));
+        plain.open(QIODevice::WriteOnly);
+        QDir(dir.path()).mkdir("read_only");
+        QFile::setPermissions(dir.filePath("read_only"), QFile::ReadOwner | QFile::ExeOwner);
 
-// Kills a writing process without warning. The file must hold the header and then rows 0, 1,
-// 2, ... each complete, and no row that the child had finished writing may be missing.
-void TestCsvWriter::killedWriterLeavesOnlyCompleteRows() {
-    QFETCH(int, killAfter);
-    const QString path = dir.filePath(QStringLiteral("killed_%1.csv").arg(killAfter));
-    QProcess child;
-    child.start(QCoreApplication::applicationFilePath(), {kChildFlag, path, settings.path()});
-    QVERIFY(child.waitForStarted());
+        QTest::newRow("folder is a file") << dir.filePath("plain_file/x.csv") << false;
+        QTest::newRow("name is a folder") << dir.filePath("existing_dir") << false;
+        QTest::newRow("read-only folder") << dir.filePath("read_only/x.csv") << true;
+    }
 
-    int lastReported = -1;
-    QByteArray pending;
-    auto readReports = [&] {
-        pending += child.readAllStandardOutput();
-        int end;
-        while ((end = pending.indexOf('\n')) >= 0) {
-            lastReported = pending.left(end).toInt();
-            pending.remove(0, end + 1);
+    void openFailsWhereNoFileCanBeWritten() {
+        QFETCH(QString, path);
+        QFETCH(bool, needsUnprivileged);
+        if (needsUnprivileged && geteuid() == 0) {
+            QSKIP("permissions do not stop the superuser");
         }
-    };
-    while (lastReported < killAfter && child.state() == QProcess::Running) {
-        child.waitForReadyRead(1000);
-        readReports();
+        CsvWriter writer;
+        QVERIFY(!writer.open(path, allGroups()));
+        QVERIFY(!writer.isOpen());
+        QVERIFY(!writer.errorString().isEmpty());
+        QVERIFY(!writer.writeRow(childRow(0)));
     }
-    QVERIFY2(child.state() == QProcess::Running, "the child stopped on its own");
-    child.kill();  // SIGKILL
-    QVERIFY(child.waitForFinished());
-    QCOMPARE(child.exitStatus(), QProcess::CrashExit);
-    readReports();  // reports still in the pipe were made before the kill
 
-    const QByteArray content = readAll(path);
-    const RecOptions options = allGroups();
-    const QByteArray header = csvHeader(options).toUtf8();
-    QVERIFY(content.startsWith(header));
-    QVERIFY2(content.endsWith('\n'), "the last line is cut");
-
-    const QList<QByteArray> lines = content.mid(header.size()).split('\n');
-    const int rows = lines.size() - 1;  // after the final newline comes an empty piece
-    for (int i = 0; i < rows; ++i) {
-        QCOMPARE(lines[i] + '\n', QByteArray::fromStdString(expectedLine(options, i)));
+    void killedWriterLeavesOnlyCompleteRows_data() {
+        QTest::addColumn<int>("killAfter");
+        QTest::newRow("early") << 50;
+        QTest::newRow("later") << 5000;
     }
-    QVERIFY2(rows >= lastReported + 1, qPrintable(QStringLiteral("%1 rows in the file, row %2 "
-                                                                 "reported written")
-                                                      .arg(rows)
-                                                      .arg(lastReported)));
-    // At most the row being written when the signal came can be missing from the reports.
-    QVERIFY(rows <= lastReported + 2);
-}
+
+    // Kills a writing process without warning. The file must hold the header and then rows 0, 1,
+    // 2, ... each complete, and no row that the child had finished writing may be missing.
+    void killedWriterLeavesOnlyCompleteRows() {
+        QFETCH(int, killAfter);
+        const QString path = dir.filePath(QStringLiteral("killed_%1.csv").arg(killAfter));
+        QProcess child;
+        child.start(QCoreApplication::applicationFilePath(), {kChildFlag, path, settings.path()});
+        QVERIFY(child.waitForStarted());
+
+        int lastReported = -1;
+        QByteArray pending;
+        auto readReports = [&] {
+            pending += child.readAllStandardOutput();
+            int end;
+            while ((end = pending.indexOf('\n')) >= 0) {
+                lastReported = pending.left(end).toInt();
+                pending.remove(0, end + 1);
+            }
+        };
+        while (lastReported < killAfter && child.state() == QProcess::Running) {
+            child.waitForReadyRead(1000);
+            readReports();
+        }
+        QVERIFY2(child.state() == QProcess::Running, "the child stopped on its own");
+        child.kill();  // SIGKILL
+        QVERIFY(child.waitForFinished());
+        QCOMPARE(child.exitStatus(), QProcess::CrashExit);
+        readReports();  // reports still in the pipe were made before the kill
+
+        const QByteArray content = readAll(path);
+        const RecOptions options = allGroups();
+        const QByteArray header = csvHeader(options).toUtf8();
+        QVERIFY(content.startsWith(header));
+        QVERIFY2(content.endsWith('\n'), "the last line is cut");
+
+        const QList<QByteArray> lines = content.mid(header.size()).split('\n');
+        const int rows = lines.size() - 1;  // after the final newline comes an empty piece
+        for (int i = 0; i < rows; ++i) {
+            QCOMPARE(lines[i] + '\n', QByteArray::fromStdString(expectedLine(options, i)));
+        }
+        QVERIFY2(rows >= lastReported + 1, qPrintable(QStringLiteral("%1 rows in the file, row %2 "
+                                                                     "reported written")
+                                                          .arg(rows)
+                                                          .arg(lastReported)));
+        // At most the row being written when the signal came can be missing from the reports.
+        QVERIFY(rows <= lastReported + 2);
+    }
+};
 
 int main(int argc, char** argv) {
     if (argc == 4 && qstrcmp(argv[1], kChildFlag) == 0) {

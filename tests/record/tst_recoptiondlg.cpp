@@ -1,10 +1,10 @@
 #include <QtTest>
 #include <QtWidgets>
 
-#include "ModalResponder.h"
 #include "TempSettings.h"
-#include "recoptiondlg.h"
 #include "WidgetTestMain.h"
+#include "freespace.h"
+#include "recoptiondlg.h"
 
 namespace {
 
@@ -35,213 +35,175 @@ void click(RecOptionDlg& dialog, const char* button) {
     QTest::mouseClick(child<QAbstractButton>(&dialog, button), Qt::LeftButton);
 }
 
-// Clicks the folder button and answers the folder chooser: with `folder`, or by cancelling it
-// when `folder` is empty.
+// Clicks the folder button and answers the folder chooser, from inside its event loop, as a
+// user would: opens `folder`, leaves the name field empty and chooses; or cancels when `folder`
+// is empty.
 bool chooseFolder(RecOptionDlg& dialog, const QString& folder) {
-    ModalResponder<QFileDialog> responder([&](QFileDialog* chooser) {
-        if (folder.isEmpty()) {
-            chooser->reject();
-            return;
-        }
-        // As a user would: open the folder, leave the name field empty, choose.
+    QTimer poll;
+    bool answered = false;
+    poll.callOnTimeout([&] {
+        auto* chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        if (chooser == nullptr || !chooser->isVisible()) return;
+        poll.stop();
+        answered = true;
+        if (folder.isEmpty()) return chooser->reject();
         chooser->setDirectory(folder);
         child<QLineEdit>(chooser, "fileNameEdit")->clear();
         static_cast<QDialog*>(chooser)->accept();  // as the chooser's own "Choose" button does
     });
+    poll.start(10);
     click(dialog, "pushButton_rec_folder");
-    return responder.answered() && responder.unexpected() == 0;
+    return answered;
 }
 
 }  // namespace
 
+// What the recording shows the user: the options dialog and the free-space label.
 class TestRecOptionDlg : public QObject {
     Q_OBJECT
 
-private slots:
-    void initTestCase();
-    void init();
-    void showsDefaultsOnFirstRun();
-    void showsStoredOptions();
-    void preselectsStoredFrequency_data();
-    void preselectsStoredFrequency();
-    void unknownFrequencyShowsAndStores400();
-    void acceptStoresTheEditedOptions();
-    void acceptStoresEachFrequency_data();
-    void acceptStoresEachFrequency();
-    void chosenFolderIsShownAndStoredOnAccept();
-    void cancellingTheChooserKeepsTheFolder();
-    void cancelStoresNothing();
-    void closingStoresNothing();
-
-private:
     TempSettings settings;
+
+private slots:
+    void initTestCase() { QVERIFY(settings.isValid()); }
+    void init() { TempSettings::clear(); }
+
+    // The dialog starts from the stored options, the defaults where nothing is stored.
+    void showsTheStoredOptions() {
+        RecOptionDlg first;
+        QCOMPARE(shownFolder(first), QDir::homePath());
+        for (const char* name : kCheckBoxes)
+            QVERIFY2(child<QCheckBox>(&first, name)->isChecked(), name);
+        QCOMPARE(frequencyBox(first)->currentText(), QStringLiteral("400 Hz"));
+
+        TempSettings::store({{"save_folder", "/srv/recordings"}, {"gyroscope", false}});
+        RecOptionDlg dialog;
+        QCOMPARE(shownFolder(dialog), QStringLiteral("/srv/recordings"));
+        for (int i = 0; i < 7; ++i) {
+            QCOMPARE(child<QCheckBox>(&dialog, kCheckBoxes[i])->isChecked(),
+                     QString(kKeys[i]) != "gyroscope");
+        }
+    }
+
+    // The stored rate is preselected and OK stores the one shown; a rate the list does not
+    // offer shows, and then stores, 400 Hz.
+    void frequencyShownAndStored_data() {
+        QTest::addColumn<int>("stored");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("400") << 400 << "400 Hz";
+        QTest::newRow("25") << 25 << "25 Hz";
+        QTest::newRow("1") << 1 << "1 Hz";
+        QTest::newRow("30 is not offered") << 30 << "400 Hz";
+    }
+
+    void frequencyShownAndStored() {
+        QFETCH(int, stored);
+        QFETCH(QString, shown);
+        TempSettings::store({{"sample_freq", stored}});
+        RecOptionDlg dialog;
+        dialog.show();
+        QCOMPARE(frequencyBox(dialog)->currentText(), shown);
+        click(dialog, "toolButton_accept");
+        QCOMPARE(dialog.result(), int(QDialog::Accepted));
+        QCOMPARE(TempSettings::stored("sample_freq").toInt(), shown.section(' ', 0, 0).toInt());
+    }
+
+    void acceptStoresTheEditedOptions() {
+        RecOptionDlg dialog;
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        // Untick every other group by clicking, as a user would.
+        for (int i = 0; i < 7; i += 2) {
+            QTest::mouseClick(child<QCheckBox>(&dialog, kCheckBoxes[i]), Qt::LeftButton, {},
+                              QPoint(8, 8));
+        }
+        frequencyBox(dialog)->setCurrentIndex(frequencyBox(dialog)->findText("10 Hz"));
+        click(dialog, "toolButton_accept");
+        QCOMPARE(dialog.result(), int(QDialog::Accepted));
+        QVERIFY(!dialog.isVisible());
+        for (int i = 0; i < 7; ++i) {
+            QCOMPARE(TempSettings::stored(kKeys[i]).toBool(), i % 2 == 1);
+        }
+        QCOMPARE(TempSettings::stored("sample_freq").toInt(), 10);
+        QCOMPARE(dialog.options().sampleFreq, 10);
+    }
+
+    // A cancelled chooser keeps the folder; a chosen folder shows at once and is stored on OK.
+    void chosenFolderIsShownAndStoredOnAccept() {
+        TempSettings::store({{"save_folder", "/srv/recordings"}});
+        QTemporaryDir target;
+        RecOptionDlg dialog;
+        dialog.show();
+        QVERIFY(chooseFolder(dialog, QString()));
+        QCOMPARE(shownFolder(dialog), QStringLiteral("/srv/recordings"));
+        QVERIFY(chooseFolder(dialog, target.path()));
+        QCOMPARE(shownFolder(dialog), target.path());
+        QCOMPARE(TempSettings::stored("save_folder").toString(), QStringLiteral("/srv/recordings"));
+        click(dialog, "toolButton_accept");
+        QCOMPARE(TempSettings::stored("save_folder").toString(), target.path());
+    }
+
+    // Cancel, Escape or closing the window: nothing is stored.
+    void rejectingStoresNothing_data() {
+        QTest::addColumn<bool>("escape");
+        QTest::newRow("cancel") << false;
+        QTest::newRow("escape") << true;
+    }
+
+    void rejectingStoresNothing() {
+        QFETCH(bool, escape);
+        TempSettings::store({{"sample_freq", 25}, {"save_folder", "/srv/recordings"}});
+        QTemporaryDir target;
+        RecOptionDlg dialog;
+        dialog.show();
+        QVERIFY(chooseFolder(dialog, target.path()));
+        child<QCheckBox>(&dialog, "checkBox_mag")->setChecked(false);
+        frequencyBox(dialog)->setCurrentIndex(0);
+        if (escape) {
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+            dialog.close();
+        } else {
+            click(dialog, "toolButton_reject");
+        }
+        QCOMPARE(dialog.result(), int(QDialog::Rejected));
+        QVERIFY(!dialog.isVisible());
+        const QStringList keys =
+            QSettings(QStringLiteral("Brindlewick"), QStringLiteral("ORYXSensorData")).allKeys();
+        QCOMPARE(keys.size(), 2);
+        QCOMPARE(TempSettings::stored("sample_freq").toInt(), 25);
+        QCOMPARE(TempSettings::stored("save_folder").toString(), QStringLiteral("/srv/recordings"));
+    }
+
+    // Red under 10 GiB, judged on the unrounded amount: 9.99 shows as "10.0" and is red.
+    void freeSpaceLabelTurnsRedUnderTenGigabytes_data() {
+        QTest::addColumn<double>("gigabytes");
+        QTest::addColumn<bool>("red");
+        QTest::newRow("9.99") << 9.99 << true;
+        QTest::newRow("10") << 10.0 << false;
+    }
+
+    void freeSpaceLabelTurnsRedUnderTenGigabytes() {
+        QFETCH(double, gigabytes);
+        QFETCH(bool, red);
+        QLabel label;
+        showFreeSpace(&label, gigabytes, "/rec/");
+        label.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&label));
+        QCOMPARE(label.text(), ::freeSpaceText(gigabytes, "/rec/"));
+        // The text's pixels: clearly red, or dark grey.
+        const QImage image = label.grab().toImage();
+        int reddish = 0, darkGrey = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor c = image.pixelColor(x, y);
+                reddish += c.red() > 150 && c.red() > c.green() + 100;
+                darkGrey += c.red() < 80 && qAbs(c.red() - c.green()) < 10;
+            }
+        }
+        QVERIFY2(red ? reddish > 20 && darkGrey == 0 : reddish == 0 && darkGrey > 20,
+                 qPrintable(QString("%1 red, %2 dark pixels").arg(reddish).arg(darkGrey)));
+    }
 };
-
-void TestRecOptionDlg::initTestCase() { QVERIFY(settings.isValid()); }
-
-void TestRecOptionDlg::init() { TempSettings::clear(); }
-
-void TestRecOptionDlg::showsDefaultsOnFirstRun() {
-    RecOptionDlg dialog;
-    QCOMPARE(dialog.windowTitle(), QStringLiteral("Data recording options"));
-    QCOMPARE(shownFolder(dialog), QDir::homePath());
-    for (const char* name : kCheckBoxes) {
-        QVERIFY2(child<QCheckBox>(&dialog, name)->isChecked(), name);
-    }
-    QCOMPARE(frequencyBox(dialog)->currentText(), QStringLiteral("400 Hz"));
-}
-
-void TestRecOptionDlg::showsStoredOptions() {
-    TempSettings::store({{"save_folder", "/srv/recordings"},
-                         {"gyroscope", false},
-                         {"barometer", false},
-                         {"movement", false},
-                         {"sample_freq", 50}});
-    RecOptionDlg dialog;
-    QCOMPARE(shownFolder(dialog), QStringLiteral("/srv/recordings"));
-    for (int i = 0; i < 7; ++i) {
-        const bool off = QString(kKeys[i]) == "gyroscope" || QString(kKeys[i]) == "barometer" ||
-                         QString(kKeys[i]) == "movement";
-        QCOMPARE(child<QCheckBox>(&dialog, kCheckBoxes[i])->isChecked(), !off);
-    }
-    QCOMPARE(frequencyBox(dialog)->currentText(), QStringLiteral("50 Hz"));
-    QCOMPARE(dialog.options().sampleFreq, 50);
-}
-
-void TestRecOptionDlg::preselectsStoredFrequency_data() {
-    QTest::addColumn<int>("stored");
-    QTest::addColumn<QString>("shown");
-    const int rates[] = {400, 200, 100, 50, 25, 10, 5, 1};
-    for (int rate : rates) {
-        QTest::newRow(qPrintable(QString::number(rate))) << rate << QString("%1 Hz").arg(rate);
-    }
-    QTest::newRow("30 is not offered") << 30 << "400 Hz";
-    QTest::newRow("0") << 0 << "400 Hz";
-    QTest::newRow("negative") << -1 << "400 Hz";
-    QTest::newRow("1000") << 1000 << "400 Hz";
-}
-
-void TestRecOptionDlg::preselectsStoredFrequency() {
-    QFETCH(int, stored);
-    QFETCH(QString, shown);
-    TempSettings::store({{"sample_freq", stored}});
-    RecOptionDlg dialog;
-    QCOMPARE(frequencyBox(dialog)->currentText(), shown);
-}
-
-void TestRecOptionDlg::unknownFrequencyShowsAndStores400() {
-    TempSettings::store({{"sample_freq", 30}});
-    RecOptionDlg dialog;
-    dialog.show();
-    QCOMPARE(frequencyBox(dialog)->currentText(), QStringLiteral("400 Hz"));
-    click(dialog, "toolButton_accept");
-    QCOMPARE(dialog.result(), int(QDialog::Accepted));
-    QCOMPARE(TempSettings::stored("sample_freq").toInt(), 400);
-    QCOMPARE(RecOptions().sampleFreq, 400);
-}
-
-void TestRecOptionDlg::acceptStoresTheEditedOptions() {
-    RecOptionDlg dialog;
-    dialog.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
-    // Untick every other group by clicking, as a user would.
-    for (int i = 0; i < 7; i += 2) {
-        QTest::mouseClick(child<QCheckBox>(&dialog, kCheckBoxes[i]), Qt::LeftButton, {},
-                          QPoint(8, 8));
-    }
-    frequencyBox(dialog)->setCurrentIndex(frequencyBox(dialog)->findText("10 Hz"));
-    click(dialog, "toolButton_accept");
-    QCOMPARE(dialog.result(), int(QDialog::Accepted));
-    QVERIFY(!dialog.isVisible());
-
-    const RecOptions stored;
-    const bool RecOptions::*fields[] = {&RecOptions::accelerometer, &RecOptions::gyroscope,
-                                        &RecOptions::magnetometer,  &RecOptions::orientation,
-                                        &RecOptions::barometer,     &RecOptions::temperatures,
-                                        &RecOptions::movement};
-    for (int i = 0; i < 7; ++i) {
-        QCOMPARE(stored.*fields[i], i % 2 == 1);
-        QCOMPARE(dialog.options().*fields[i], i % 2 == 1);
-    }
-    QCOMPARE(stored.sampleFreq, 10);
-    QCOMPARE(stored.saveFolder, QDir::homePath());
-}
-
-void TestRecOptionDlg::acceptStoresEachFrequency_data() {
-    QTest::addColumn<int>("index");
-    QTest::addColumn<int>("rate");
-    const int rates[] = {400, 200, 100, 50, 25, 10, 5, 1};
-    for (int index = 0; index < 8; ++index) {
-        QTest::newRow(qPrintable(QString("%1 Hz").arg(rates[index]))) << index << rates[index];
-    }
-}
-
-void TestRecOptionDlg::acceptStoresEachFrequency() {
-    QFETCH(int, index);
-    QFETCH(int, rate);
-    RecOptionDlg dialog;
-    dialog.show();
-    frequencyBox(dialog)->setCurrentIndex(index);
-    QCOMPARE(frequencyBox(dialog)->currentText(), QString("%1 Hz").arg(rate));
-    click(dialog, "toolButton_accept");
-    QCOMPARE(TempSettings::stored("sample_freq").toInt(), rate);
-}
-
-void TestRecOptionDlg::chosenFolderIsShownAndStoredOnAccept() {
-    QTemporaryDir target;
-    QVERIFY(target.isValid());
-    RecOptionDlg dialog;
-    dialog.show();
-    QVERIFY(chooseFolder(dialog, target.path()));
-    QCOMPARE(shownFolder(dialog), target.path());
-    QVERIFY(!TempSettings::stored("save_folder").isValid());  // not yet
-    click(dialog, "toolButton_accept");
-    QCOMPARE(TempSettings::stored("save_folder").toString(), target.path());
-    QCOMPARE(dialog.options().saveFolder, target.path());
-}
-
-void TestRecOptionDlg::cancellingTheChooserKeepsTheFolder() {
-    TempSettings::store({{"save_folder", "/srv/recordings"}});
-    RecOptionDlg dialog;
-    dialog.show();
-    QVERIFY(chooseFolder(dialog, QString()));
-    QCOMPARE(shownFolder(dialog), QStringLiteral("/srv/recordings"));
-    QCOMPARE(dialog.options().saveFolder, QStringLiteral("/srv/recordings"));
-}
-
-void TestRecOptionDlg::cancelStoresNothing() {
-    TempSettings::store({{"sample_freq", 25}, {"save_folder", "/srv/recordings"}});
-    QTemporaryDir target;
-    RecOptionDlg dialog;
-    dialog.show();
-    QVERIFY(chooseFolder(dialog, target.path()));
-    QCOMPARE(shownFolder(dialog), target.path());
-    child<QCheckBox>(&dialog, "checkBox_mag")->setChecked(false);
-    frequencyBox(dialog)->setCurrentIndex(0);
-
-    click(dialog, "toolButton_reject");
-    QCOMPARE(dialog.result(), int(QDialog::Rejected));
-    QVERIFY(!dialog.isVisible());
-
-    const QStringList keys =
-        QSettings(QStringLiteral("Brindlewick"), QStringLiteral("ORYXSensorData")).allKeys();
-    QCOMPARE(keys.size(), 2);
-    QCOMPARE(TempSettings::stored("sample_freq").toInt(), 25);
-    QCOMPARE(TempSettings::stored("save_folder").toString(), QStringLiteral("/srv/recordings"));
-}
-
-void TestRecOptionDlg::closingStoresNothing() {
-    RecOptionDlg dialog;
-    dialog.show();
-    child<QCheckBox>(&dialog, "checkBox_accel")->setChecked(false);
-    frequencyBox(dialog)->setCurrentIndex(7);
-    QTest::keyClick(&dialog, Qt::Key_Escape);
-    QCOMPARE(dialog.result(), int(QDialog::Rejected));
-    dialog.close();
-    QVERIFY(QSettings(QStringLiteral("Brindlewick"), QStringLiteral("ORYXSensorData"))
-                .allKeys()
-                .isEmpty());
-}
 
 WIDGET_TEST_MAIN(TestRecOptionDlg)
 #include "tst_recoptiondlg.moc"

@@ -1,15 +1,18 @@
-// The orientation view in a real window: what it paints before and after InitProcess, the model
-// choice, the pose hand-over from another thread, and the mouse, wheel and key controls.
+// The two GL views in real windows. The orientation view: what it paints before and after
+// InitProcess, the model choice, the pose hand-over through its slots, and the mouse, wheel and
+// key controls (the hand-over from the sampling thread runs in the main window's tests). The
+// camera image view: letter-box viewports, the click rules and the drawing of a BGRA frame from
+// host memory.
 #include <QtTest>
-#include <atomic>
 #include <cmath>
 #include <memory>
-#include <thread>
+#include <vector>
 
+#include "OGL2DWidget.h"
 #include "OGL3DWidget.h"
 #include "SceneChecks.h"
-#include "programstates.h"
 #include "WidgetTestMain.h"
+#include "programstates.h"
 
 namespace {
 
@@ -19,29 +22,29 @@ bool sameQuat(const bw::Orientation& a, const bw::Orientation& b, float eps = 1e
 
 // The scene program writes alpha 0.5; colours are compared on their raw RGB values.
 QImage rgbOf(const QImage& grabbed) {
-    QImage img = grabbed.convertToFormat(QImage::Format_RGBA8888);
-    for (int y = 0; y < img.height(); ++y) {
-        uchar* row = img.scanLine(y);
-        for (int x = 0; x < img.width(); ++x) {
-            row[4 * x + 3] = 255;
-        }
-    }
-    return img;
+    const QImage rgba = grabbed.convertToFormat(QImage::Format_RGBA8888);
+    return QImage(rgba.constBits(), rgba.width(), rgba.height(), rgba.bytesPerLine(),
+                  QImage::Format_RGBX8888)
+        .convertToFormat(QImage::Format_RGB888);
 }
 
 }  // namespace
 
-class TstOrientationView : public QObject {
+class TstViews : public QObject {
     Q_OBJECT
 
     std::unique_ptr<OGL3DWidget> view;
+    std::unique_ptr<OGL2DWidget> image;
 
-    void showView(int w = 400, int h = 300) {
-        view = std::make_unique<OGL3DWidget>();
-        view->resize(w, h);
-        view->show();
-        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+    template <class View>
+    static void show(std::unique_ptr<View>& widget, int w, int h) {
+        widget = std::make_unique<View>();
+        widget->resize(w, h);
+        widget->show();
+        QVERIFY(QTest::qWaitForWindowExposed(widget.get()));
     }
+    void showView(int w = 400, int h = 300) { show(view, w, h); }
+    void showImage(int w, int h) { show(image, w, h); }
 
     QImage frame() { return rgbOf(view->grabFramebuffer()); }
 
@@ -58,14 +61,31 @@ class TstOrientationView : public QObject {
         QApplication::sendEvent(view.get(), &ev);
     }
 
+    void release(Qt::MouseButton button, QPointF pos) {
+        QMouseEvent ev(QEvent::MouseButtonRelease, pos, QPointF(image->mapToGlobal(pos.toPoint())),
+                       button, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(image.get(), &ev);
+    }
+
+    static QPointF clicked() {
+        return {ProgramStates::getDoubleAttr(1), ProgramStates::getDoubleAttr(2)};
+    }
+
 private slots:
-    void init() { ProgramStates::setIntAttr(18, 0); }
-    void cleanup() { view.reset(); }
+    void init() {
+        ProgramStates::setIntAttr(18, 0);
+        ProgramStates::setDoubleAttr(1, -1.0);
+        ProgramStates::setDoubleAttr(2, -1.0);
+        ProgramStates::setIntAttr(4, 0);
+    }
+    void cleanup() {
+        view.reset();
+        image.reset();
+    }
 
     void beforeInitOnlyBackgroundAndBorder() {
         showView();
         const QImage img = frame();
-        QCOMPARE(img.pixelColor(200, 150), QColor(25, 25, 25));
         // Everything inside the frame is background; the thin grey frame runs along the edges.
         QCOMPARE(
             countNear(img.copy(5, 5, img.width() - 10, img.height() - 10), QColor(25, 25, 25), 0),
@@ -83,87 +103,42 @@ private slots:
         QVERIFY(!view->isInitialised());
     }
 
-    void afterInitGridAndModelAppear() {
+    // After InitProcess the grid shows with the model that the model code picks: ORYX
+    // aluminium, ORYX_B light blue, any other code dark.
+    void gridAndModelAppear_data() {
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QColor>("body");
+        QTest::newRow("ORYX") << 0 << QColor(163, 163, 163);
+        QTest::newRow("ORYX_B") << 1 << QColor(201, 209, 237);
+        QTest::newRow("ORYX_C") << 2 << QColor(51, 51, 51);
+        QTest::newRow("none") << 32 << QColor(51, 51, 51);
+    }
+
+    void gridAndModelAppear() {
+        QFETCH(int, code);
+        QFETCH(QColor, body);
+        ProgramStates::setIntAttr(18, code);
         showView();
         QVERIFY(view->InitProcess());
         QVERIFY(view->isInitialised());
         QCOMPARE(view->width(), 401);  // the one-pixel nudge
         const QImage img = frame();
-        // Lime grid crosses and the aluminium model body (ORYX: 0.64 grey).
-        QVERIFY(countNear(img, QColor(217, 255, 66), 8) > 50);
-        QVERIFY(countNear(img, QColor(163, 163, 163), 3) > 50);
-        QCOMPARE(view->grid()->getIndices().size(), std::size_t(2 * 246));
-        QCOMPARE(view->fixedAxis()->getIndices().size(), std::size_t(6));
+        QVERIFY(countNear(img, QColor(217, 255, 66), 8) > 50);  // the lime grid
+        QVERIFY(countNear(img, body, 3) > 30);
     }
 
-    void modelChoiceByCode_data() {
-        QTest::addColumn<int>("code");
-        QTest::addColumn<int>("triangles");
-        QTest::addColumn<QColor>("body");
-        QTest::newRow("ORYX") << 0 << 108 << QColor(163, 163, 163);
-        QTest::newRow("ORYX_B") << 1 << 1513 << QColor(201, 209, 237);
-        QTest::newRow("ORYX_C") << 2 << 108 << QColor(51, 51, 51);
-        QTest::newRow("ORYX_F") << 5 << 108 << QColor(51, 51, 51);
-        QTest::newRow("SOLO_B") << 31 << 108 << QColor(51, 51, 51);
-        QTest::newRow("none") << 32 << 108 << QColor(51, 51, 51);
-    }
-
-    void modelChoiceByCode() {
-        QFETCH(int, code);
-        QFETCH(int, triangles);
-        QFETCH(QColor, body);
-        ProgramStates::setIntAttr(18, code);
-        showView();
-        view->InitProcess();
-        QCOMPARE(view->model()->getIndices().size(), std::size_t(3 * triangles));
-        QCOMPARE(view->model()->getVertices().size(), std::size_t(9 * triangles));
-        QCOMPARE(view->model()->getDrawingType(), 4u);
-        QVERIFY(countNear(frame(), body, 3) > 30);
-    }
-
-    void turningTheModelChangesTheImage() {
+    void poseChangesTheImage() {
         showView();
         view->InitProcess();
         const QImage before = frame();
         view->setCameraModelOr(bw::Orientation(bw::Rotation(1.2f, bw::Translation(0, 1, 0))));
-        const QImage turned = frame();
-        QVERIFY(before != turned);
+        QVERIFY(frame() != before);
         view->setCameraModelOr(bw::Orientation());
         QCOMPARE(frame(), before);
         view->setCameraModelPos(bw::Translation(0.3f, 0, 0));
         QVERIFY(frame() != before);
-        view->setCameraModelTr(bw::Transform(bw::Orientation(), bw::Translation(0, 0, 0)));
-        QCOMPARE(frame(), before);
-    }
 
-    void poseFromAnotherThread() {
-        showView();
-        view->InitProcess();
-        std::atomic<bool> stop{false};
-        std::thread sampler([&] {
-            float a = 0.f;
-            while (!stop.load()) {
-                a += 0.01f;
-                view->setGravity(std::sin(a), std::cos(a), 0.f);
-                view->setCameraModelOr(bw::Orientation(bw::Rotation(a, bw::Translation(0, 0, 1))));
-                view->setCameraModelPos(bw::Translation(0, 0, 0));
-                view->setMovingState(int(a) % 3);
-            }
-            view->setCameraModelOr(bw::Orientation(bw::Rotation(0.5f, bw::Translation(1, 0, 0))));
-        });
-        for (int i = 0; i < 5; ++i) {
-            frame();
-        }
-        stop = true;
-        sampler.join();
-        frame();
-        QVERIFY(sameQuat(view->model()->getRotation(),
-                         bw::Orientation(bw::Rotation(0.5f, bw::Translation(1, 0, 0)))));
-    }
-
-    void poseThroughQueuedSlots() {
-        showView();
-        view->InitProcess();
+        // The slots take it queued from other threads too.
         const bw::Orientation q(bw::Rotation(0.7f, bw::Translation(0, 0, 1)));
         QVERIFY(QMetaObject::invokeMethod(view.get(), "setCameraModelOr", Qt::QueuedConnection,
                                           Q_ARG(bw::Orientation, q)));
@@ -171,79 +146,38 @@ private slots:
                                           Q_ARG(bw::Translation, bw::Translation(0.1f, 0, 0))));
         QTRY_VERIFY(sameQuat(view->modelOrientation(), q));
         QTRY_VERIFY(sameVec(view->modelPosition(), bw::Translation(0.1f, 0, 0)));
-        QVERIFY(QMetaObject::invokeMethod(view.get(), "ResetPosition", Qt::QueuedConnection));
     }
 
-    void wheelMovesAlongMinusForward() {
+    // Wheel, arrow keys and drags move the viewer camera; R takes it back to the start.
+    void controlsMoveTheViewerAndRResetsIt() {
         showView();
         view->InitProcess();
         const CameraGL* cam = view->viewCamera();
-        const bw::Translation start = cam->getPosition();
-        const bw::Translation fwd = cam->getForward();
+        const CameraGL home = *cam;
+        const bw::Translation start = home.getPosition();
+        const QImage homeFrame = frame();
+
+        // A wheel notch moves 0.15 against forward; less than a notch does nothing.
         sendWheel(120);
-        const bw::Translation moved = cam->getPosition() - start;
-        QVERIFY(near(moved.norm(), 0.15f));
-        QVERIFY(sameVec(moved, fwd * -0.15f));
+        QVERIFY(sameVec(cam->getPosition() - start, home.getForward() * -0.15f));
         const bw::Translation p = cam->getPosition();
         sendWheel(-7);
         QVERIFY(sameVec(cam->getPosition(), p, 0.f));
         sendWheel(-120);
         QVERIFY(sameVec(cam->getPosition(), start));
-    }
 
-    void resetRestoresTheStartViewpoint() {
-        showView();
-        view->InitProcess();
-        const CameraGL* cam = view->viewCamera();
-        const bw::Translation pos = cam->getPosition();
-        const bw::Orientation rot = cam->getOrientation();
-        const bw::Translation fwd = cam->getForward();
-        const bw::Translation up = cam->getUp();
-        const QImage home = frame();
-
-        sendWheel(240);
+        // Arrow keys pan by 0.01; other keys do nothing.
         QTest::keyClick(view.get(), Qt::Key_Up);
-        QTest::keyClick(view.get(), Qt::Key_Left);
-        sendMouse(QEvent::MouseButtonPress, {100, 100}, Qt::LeftButton, Qt::LeftButton);
-        sendMouse(QEvent::MouseMove, {140, 130}, Qt::NoButton, Qt::LeftButton);
-        sendMouse(QEvent::MouseButtonRelease, {140, 130}, Qt::LeftButton, Qt::NoButton);
-        QVERIFY(!(cam->getPosition() == pos));
-        QVERIFY(!(cam->getOrientation() == rot));
-
-        QTest::keyClick(view.get(), Qt::Key_R);
-        QCOMPARE(cam->getPosition(), pos);
-        QVERIFY(cam->getOrientation() == rot);
-        QVERIFY(cam->getForward() == fwd);
-        QVERIFY(cam->getUp() == up);
-        QCOMPARE(frame(), home);
-    }
-
-    void arrowKeysPan() {
-        showView();
-        view->InitProcess();
-        const CameraGL* cam = view->viewCamera();
-        const bw::Translation start = cam->getPosition();
-        const bw::Translation up = cam->getUp();
-        const bw::Translation right = cam->getRight();
-        QTest::keyClick(view.get(), Qt::Key_Up);
-        QVERIFY(sameVec(cam->getPosition(), start + up * -0.01f));
+        QVERIFY(sameVec(cam->getPosition(), start + home.getUp() * -0.01f));
         QTest::keyClick(view.get(), Qt::Key_Down);
         QVERIFY(sameVec(cam->getPosition(), start));
         QTest::keyClick(view.get(), Qt::Key_Right);
-        QVERIFY(sameVec(cam->getPosition(), start + right * 0.01f));
-        QTest::keyClick(view.get(), Qt::Key_A);  // ignored
-        QVERIFY(sameVec(cam->getPosition(), start + right * 0.01f));
-    }
-
-    void dragRotatesAndPans() {
-        showView();
-        view->InitProcess();
-        const CameraGL* cam = view->viewCamera();
-        // Reference camera driven through the same steps.
-        CameraGL ref = *cam;
+        QTest::keyClick(view.get(), Qt::Key_A);
+        QVERIFY(sameVec(cam->getPosition(), start + home.getRight() * 0.01f));
 
         // Both buttons: a rotation by (dx, dy) / 5, then a pan whose step is measured from the
-        // position the rotation just stored, i.e. zero.
+        // position the rotation just stored, i.e. zero. A reference camera takes the same steps.
+        CameraGL ref = *cam;
         sendMouse(QEvent::MouseButtonPress, {100, 100}, Qt::LeftButton,
                   Qt::LeftButton | Qt::RightButton);
         sendMouse(QEvent::MouseMove, {110, 120}, Qt::NoButton, Qt::LeftButton | Qt::RightButton);
@@ -251,22 +185,26 @@ private slots:
         ref.rotate(bw::Rotation(2.f * 0.015f, -ref.getVertical()));
         QVERIFY(sameQuat(cam->getOrientation(), ref.getOrientation()));
         QVERIFY(sameVec(cam->getPosition(), ref.getPosition()));
-
         // Right button only: a pan by (dx, dy) / 50 along up and right.
         sendMouse(QEvent::MouseMove, {135, 70}, Qt::NoButton, Qt::RightButton);
         ref.translate(ref.getUp() * (-1.f * 0.1f));
         ref.translate(ref.getRight() * (0.5f * 0.1f));
         QVERIFY(sameVec(cam->getPosition(), ref.getPosition()));
         QVERIFY(sameQuat(cam->getOrientation(), ref.getOrientation()));
-
-        // After the release, moves do nothing.
+        // After the release moves do nothing, and a middle-button press starts no drag.
         sendMouse(QEvent::MouseButtonRelease, {135, 70}, Qt::RightButton, Qt::NoButton);
         sendMouse(QEvent::MouseMove, {10, 10}, Qt::NoButton, Qt::LeftButton);
-        QVERIFY(sameVec(cam->getPosition(), ref.getPosition()));
-        // A middle-button press does not start a drag.
         sendMouse(QEvent::MouseButtonPress, {10, 10}, Qt::MiddleButton, Qt::MiddleButton);
         sendMouse(QEvent::MouseMove, {60, 60}, Qt::NoButton, Qt::LeftButton);
+        QVERIFY(sameVec(cam->getPosition(), ref.getPosition()));
         QVERIFY(sameQuat(cam->getOrientation(), ref.getOrientation()));
+
+        QTest::keyClick(view.get(), Qt::Key_R);
+        QCOMPARE(cam->getPosition(), start);
+        QVERIFY(cam->getOrientation() == home.getOrientation());
+        QVERIFY(cam->getForward() == home.getForward());
+        QVERIFY(cam->getUp() == home.getUp());
+        QCOMPARE(frame(), homeFrame);
     }
 
     void aSecondCameraRebuildsTheSceneForItsModel() {
@@ -276,7 +214,6 @@ private slots:
         view->setCameraModelOr(bw::Orientation(0.f, 0.38268343f, 0.f, 0.92387953f));
         ProgramStates::setIntAttr(18, 1);
         QVERIFY(view->InitProcess());
-        QCOMPARE(view->model()->getIndices().size(), std::size_t(3 * 1513));
         QVERIFY(countNear(frame(), QColor(201, 209, 237), 3) > 30);
         // The pose handed over before the new camera opened still applies.
         QVERIFY(sameQuat(view->modelOrientation(),
@@ -315,17 +252,73 @@ private slots:
         QCOMPARE(view->viewCamera()->getHorizontalFOV(), view->viewCamera()->getVerticalFOV());
     }
 
-    void colourHelper() {
-        showView();
-        float r = 0, g = 0, b = 0;
-        view->getColor(10, 0, r, g, b);
-        QVERIFY(near(r, 0.1f) && near(g, 0.3f) && near(b, 0.8f));
-        view->getColor(10, 5, r, g, b);
-        QVERIFY(near(r, 0.f) && near(b, 0.f));
-        view->getColor(10, 10, r, g, b);
-        QVERIFY(near(b, 0.8f));
+    // ---- camera image view ----
+
+    void letterBoxViewports() {
+        showImage(800, 800);
+        QSignalSpy spy(image.get(), &OGL2DWidget::init);
+        image->InitGLProcess(1920, 1080, 1920 * 4);
+        QCOMPARE(spy.count(), 1);
+        QVERIFY(image->isAvailable());
+        QCOMPARE(image->getViewport(), QRect(0, 175, 800, 450));
+        image->resize(1000, 400);
+        QTRY_COMPARE(image->getViewport(), QRect(144, 0, 711, 400));
+        image->Deinit();
+        QVERIFY(!image->isAvailable());
+    }
+
+    // A left click stores its place in the picture as shares of the width and height (rounded
+    // to whole pixels first); outside the picture it is ignored, a right click clears it, and a
+    // locked selection in selection mode ignores left clicks.
+    void clickRules() {
+        showImage(400, 200);
+        release(Qt::LeftButton, {99.5, 150.4});
+        QCOMPARE(clicked(), QPointF(0.25, 0.75));
+        release(Qt::LeftButton, {-3, 50});
+        release(Qt::LeftButton, {420, 10});
+        QCOMPARE(clicked(), QPointF(0.25, 0.75));
+        release(Qt::LeftButton, {400, 200});  // the far edges are inside
+        QCOMPARE(clicked(), QPointF(1.0, 1.0));
+        release(Qt::RightButton, {-50, -50});
+        QCOMPARE(clicked(), QPointF(-1.0, -1.0));
+
+        image->setSelectionLocked(true);
+        ProgramStates::setIntAttr(4, 1);
+        release(Qt::LeftButton, {100, 50});
+        QCOMPARE(clicked(), QPointF(-1.0, -1.0));
+        ProgramStates::setIntAttr(4, 0);  // both conditions are needed
+        release(Qt::LeftButton, {100, 50});
+        QCOMPARE(clicked(), QPointF(0.25, 0.25));
+    }
+
+    void drawsHostFrameWithRedAndBlueSwapped() {
+        showImage(400, 400);
+        const int w = 64, h = 36, pitch = w * 4 + 16;  // rows padded
+        image->InitGLProcess(w, h, pitch);
+        // Top half pure blue, bottom half pure red, in B, G, R, A order.
+        std::vector<std::uint8_t> frame(static_cast<std::size_t>(pitch) * h, 0);
+        for (int y = 0; y < h; ++y) {
+            for (int x = 0; x < w; ++x) {
+                std::uint8_t* px = &frame[static_cast<std::size_t>(y) * pitch + 4 * x];
+                px[y < h / 2 ? 0 : 2] = 255;
+                px[3] = 255;
+            }
+        }
+        image->setHostFrame(frame.data());
+        image->Ingest();
+        image->updateGL();  // paint now rather than on the next event loop pass
+        const QImage img = image->grabFrameBuffer();
+        // Viewport (0, 87, 400, 225): black bars above and below, blue top, red bottom.
+        QCOMPARE(img.pixelColor(200, 40), QColor(Qt::black));
+        QCOMPARE(img.pixelColor(200, 360), QColor(Qt::black));
+        QCOMPARE(img.pixelColor(200, 130), QColor(Qt::blue));
+        QCOMPARE(img.pixelColor(200, 270), QColor(Qt::red));
+        // Without a frame to draw, all black.
+        image->stopDraw();
+        image->updateGL();
+        QCOMPARE(image->grabFrameBuffer().pixelColor(200, 130), QColor(Qt::black));
     }
 };
 
-WIDGET_TEST_MAIN(TstOrientationView)
-#include "tst_orientationview.moc"
+WIDGET_TEST_MAIN(TstViews)
+#include "tst_views.moc"
