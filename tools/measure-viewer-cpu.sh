@@ -30,9 +30,13 @@ stop_viewer() {
 }
 trap stop_viewer EXIT
 
-# xvfb-run starts the viewer as its own child once the server is up.
+# xvfb-run starts the viewer as its own child once the server is up. Its short-lived subshells
+# carry the viewer's path in their command line too, so the child is known by its executable.
+viewer_exe=$(realpath "$viewer")
 for _ in $(seq 100); do
-    pid=$(pgrep -P "$runner" -f "$viewer" || true)
+    for child in $(pgrep -P "$runner"); do
+        [[ $(readlink "/proc/$child/exe" 2>/dev/null) == "$viewer_exe" ]] && pid=$child
+    done
     [[ -n $pid ]] && break
     sleep 0.1
 done
