@@ -1,6 +1,7 @@
 #include <QApplication>
 #include <QSurfaceFormat>
 
+#include "RendererProbe.h"
 #include "mainwindow.h"
 #include "resources.h"
 
@@ -17,6 +18,8 @@ int main(int argc, char* argv[]) {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
 
     QApplication app(argc, argv);
+    // Software OpenGL gets cheaper settings; this has to happen before the first GL widget.
+    setUpGlRendering();
     initOryxResources();
     app.addLibraryPath("platforms/");
 

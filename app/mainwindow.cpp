@@ -279,5 +279,5 @@ void MainWindow::updateImages() {
         }
         levels.currentTime = static_cast<double>(nowUs - originUs) / 1e6;
     });
-    ui->widget_3d_view->update();
+    ui->widget_3d_view->requestFrame();
 }

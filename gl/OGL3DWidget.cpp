@@ -41,6 +41,12 @@ OGL3DWidget::OGL3DWidget(QWidget* parent) : QOpenGLWidget(parent) {
     QSurfaceFormat fmt = format();
     fmt.setSamples(4);
     setFocusPolicy(Qt::StrongFocus);
+    setRenderSettings(RenderSettings::active());
+}
+
+void OGL3DWidget::setRenderSettings(const RenderSettings& s) {
+    settings = s;
+    if (settings.nativeWindow) setAttribute(Qt::WA_NativeWindow);
 }
 
 OGL3DWidget::~OGL3DWidget() {
@@ -105,6 +111,8 @@ bool OGL3DWidget::InitProcess() {
     CreateFloorGrid();
     CreateORYXModel();
     camera->setProjection(90.f, 90.f, 0.05f, 300.f);
+    modelBox = boundingBoxCorners(cameraModel->getVertices());
+    ++scene;
     update();
     resize(width() + 1, height());
     glEnable(GL_CULL_FACE);
@@ -236,6 +244,35 @@ void OGL3DWidget::paintGL() {
         visualize();
     }
     roundedBorder();
+    lastFrame = frameFor(shownPose);
+    framePainted = true;
+}
+
+void OGL3DWidget::requestFrame() {
+    if (!settings.redrawOnlyOnChange || frameDue()) update();
+}
+
+bool OGL3DWidget::frameDue() {
+    // Qt paints on its own too (first show, resize, expose); until then there is nothing to
+    // compare with.
+    if (!framePainted) return true;
+    return looksDifferent(lastFrame, frameFor(poseNow()), modelBox);
+}
+
+ViewFrame OGL3DWidget::frameFor(const PoseSlot& p) {
+    ViewFrame frame;
+    frame.scene = initialised ? scene : 0;
+    frame.width = viewWidth;
+    frame.height = viewHeight;
+    frame.movingState = movingState.load();
+    if (!initialised) return frame;
+    // visualize does the same first: the matrix is the one the next frame would use.
+    camera->update();
+    frame.viewProjection = camera->getViewProjectionMatrix();
+    frame.model.setOrientation(p.orientation);
+    frame.model.setTranslation(p.position);
+    frame.gravity = bw::Vector3<float>(p.gx, p.gy, p.gz);
+    return frame;
 }
 
 void OGL3DWidget::setGravity(float x, float y, float z) {
@@ -271,12 +308,14 @@ bw::Translation OGL3DWidget::modelPosition() const {
     return pose.position;
 }
 
+OGL3DWidget::PoseSlot OGL3DWidget::poseNow() const {
+    std::lock_guard<std::mutex> lock(poseMutex);
+    return pose;
+}
+
 void OGL3DWidget::applyPose() {
-    PoseSlot p;
-    {
-        std::lock_guard<std::mutex> lock(poseMutex);
-        p = pose;
-    }
+    const PoseSlot p = poseNow();
+    shownPose = p;
     cameraModel->setPosition(p.position);
     cameraModel->setRotation(p.orientation);
     dynAxis->setRotation(p.orientation);

@@ -15,9 +15,12 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 #include "CameraGL.h"
+#include "RenderSettings.h"
 #include "Simple3DObject.h"
+#include "ViewFrame.h"
 
 class QGLShader;
 class QGLShaderProgram;
@@ -63,7 +66,15 @@ public:
     float getViewWidth() const { return viewWidth; }
     float getViewHeight() const { return viewHeight; }
 
+    // Taken from RenderSettings::active() when the view is built. A native window, once made,
+    // stays.
+    const RenderSettings& renderSettings() const { return settings; }
+    void setRenderSettings(const RenderSettings& s);
+
 public slots:
+    // Schedules the next frame (the main window's image timer). With redrawOnlyOnChange set,
+    // only when the pose, the viewpoint or the size moved what is on screen since the last frame.
+    void requestFrame();
     bool InitProcess();
     void ResetPosition();
     void visualize();
@@ -90,6 +101,9 @@ private:
     void applyPose();
     void setHomeViewpoint();
     void releaseScene();
+    PoseSlot poseNow() const;
+    ViewFrame frameFor(const PoseSlot& p);
+    bool frameDue();
 
     bool initialised = false;
     bool initRequested = false;
@@ -113,4 +127,11 @@ private:
     mutable std::mutex poseMutex;
     PoseSlot pose;
     std::atomic<int> movingState{0};
+
+    RenderSettings settings;
+    PoseSlot shownPose;  // what applyPose took for the frame being drawn
+    int scene = 0;       // counts the scenes InitProcess built
+    std::vector<bw::Vector3<float>> modelBox;
+    ViewFrame lastFrame;
+    bool framePainted = false;
 };

@@ -10,6 +10,7 @@
 #include <QTimer>
 #include <cstdio>
 
+#include "RendererProbe.h"
 #include "mainwindow.h"
 #include "resources.h"
 #include "ui_mainwindow.h"
@@ -24,6 +25,8 @@ int main(int argc, char* argv[]) {
     format.setSamples(16);
     QSurfaceFormat::setDefaultFormat(format);
     QApplication app(argc, argv);
+    // The GL settings the viewer itself would choose on this machine.
+    setUpGlRendering();
     initOryxResources();
 
     const QString output = QString::fromLocal8Bit(argv[1]);
