@@ -1,5 +1,4 @@
-#ifndef ORYX_CALIB_MAG_CALIB_H
-#define ORYX_CALIB_MAG_CALIB_H
+#pragma once
 
 #include <Eigen/Dense>
 #include <vector>
@@ -37,4 +36,3 @@ public:
     double offset[3];      // hard-iron offset: the ellipsoid's centre, in input units
 };
 
-#endif  // ORYX_CALIB_MAG_CALIB_H

@@ -1,5 +1,4 @@
-#ifndef ORYX_CALIB_MAGCALIBDLG_H
-#define ORYX_CALIB_MAGCALIBDLG_H
+#pragma once
 
 // The modal magnetometer calibration dialog of the ORYX_C / ORYX_D cameras. It opens the
 // camera's sensor micro-controller itself (the caller must have released the camera), reads raw
@@ -118,4 +117,3 @@ private:
     std::shared_ptr<OrientCount> orientCount;  // replaced by the grab thread under sampleMutex
 };
 
-#endif  // ORYX_CALIB_MAGCALIBDLG_H

@@ -1,5 +1,4 @@
-#ifndef ORYX_CALIB_ORIENTCOUNT_H
-#define ORYX_CALIB_ORIENTCOUNT_H
+#pragma once
 
 #include <cstdint>
 
@@ -27,4 +26,3 @@ private:
     std::uint8_t cells[kCells];
 };
 
-#endif  // ORYX_CALIB_ORIENTCOUNT_H

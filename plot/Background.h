@@ -1,5 +1,4 @@
-#ifndef ORYX_PLOT_BACKGROUND_H
-#define ORYX_PLOT_BACKGROUND_H
+#pragma once
 
 #include <qwt_plot_item.h>
 
@@ -18,4 +17,3 @@ public:
               const QRectF& canvasRect) const override;
 };
 
-#endif  // ORYX_PLOT_BACKGROUND_H

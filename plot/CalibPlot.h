@@ -1,5 +1,4 @@
-#ifndef ORYX_PLOT_CALIBPLOT_H
-#define ORYX_PLOT_CALIBPLOT_H
+#pragma once
 
 #include <qwt_plot.h>
 
@@ -47,4 +46,3 @@ private:
     QVector<QwtPlotShapeItem*> ellipses;
 };
 
-#endif  // ORYX_PLOT_CALIBPLOT_H

@@ -1,5 +1,4 @@
-#ifndef ORYX_PLOT_COMPASS_H
-#define ORYX_PLOT_COMPASS_H
+#pragma once
 
 #include <qwt_compass.h>
 
@@ -20,4 +19,3 @@ private:
     void setupNeedle();
 };
 
-#endif  // ORYX_PLOT_COMPASS_H

@@ -1,5 +1,4 @@
-#ifndef ORYX_PLOT_CSSVALUES_H
-#define ORYX_PLOT_CSSVALUES_H
+#pragma once
 
 #include <QColor>
 #include <QFont>
@@ -17,4 +16,3 @@ QColor cssColour(const QString& css);
 // understood keep the values of a default QFont.
 QFont cssFont(const QString& css);
 
-#endif  // ORYX_PLOT_CSSVALUES_H

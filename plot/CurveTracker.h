@@ -1,5 +1,4 @@
-#ifndef ORYX_PLOT_CURVETRACKER_H
-#define ORYX_PLOT_CURVETRACKER_H
+#pragma once
 
 #include <qwt_plot_picker.h>
 
@@ -33,4 +32,3 @@ private:
     std::optional<QLineF> curveLineAt(const QwtPlotCurve* curve, double x) const;
 };
 
-#endif  // ORYX_PLOT_CURVETRACKER_H

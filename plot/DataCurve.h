@@ -1,5 +1,4 @@
-#ifndef ORYX_PLOT_DATACURVE_H
-#define ORYX_PLOT_DATACURVE_H
+#pragma once
 
 #include <qwt_plot_curve.h>
 
@@ -38,4 +37,3 @@ private:
     mutable QPolygonF pixels;
 };
 
-#endif  // ORYX_PLOT_DATACURVE_H

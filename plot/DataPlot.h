@@ -1,5 +1,4 @@
-#ifndef ORYX_PLOT_DATAPLOT_H
-#define ORYX_PLOT_DATAPLOT_H
+#pragma once
 
 #include <qwt_plot.h>
 #include <qwt_text.h>
@@ -82,4 +81,3 @@ private:
     QwtText xTitle;
 };
 
-#endif  // ORYX_PLOT_DATAPLOT_H

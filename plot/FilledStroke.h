@@ -1,5 +1,4 @@
-#ifndef ORYX_PLOT_FILLEDSTROKE_H
-#define ORYX_PLOT_FILLEDSTROKE_H
+#pragma once
 
 #include <QBrush>
 #include <QPointF>
@@ -57,4 +56,3 @@ private:
     QVarLengthArray<VerticalCap, 32> runCaps;
 };
 
-#endif  // ORYX_PLOT_FILLEDSTROKE_H

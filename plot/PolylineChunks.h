@@ -1,5 +1,4 @@
-#ifndef ORYX_PLOT_POLYLINECHUNKS_H
-#define ORYX_PLOT_POLYLINECHUNKS_H
+#pragma once
 
 // How many segments QwtPainter::drawPolyline puts in each piece when it hands a long polyline
 // to the raster paint engine in pieces (it does so while QwtPainter::polylineSplitting() is on);
@@ -9,4 +8,3 @@
 // QwtPainter draw onto a paint engine that only records what it is given.
 int polylineChunkSegments();
 
-#endif  // ORYX_PLOT_POLYLINECHUNKS_H

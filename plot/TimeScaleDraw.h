@@ -1,5 +1,4 @@
-#ifndef ORYX_PLOT_TIMESCALEDRAW_H
-#define ORYX_PLOT_TIMESCALEDRAW_H
+#pragma once
 
 #include <qwt_scale_draw.h>
 #include <qwt_text.h>
@@ -21,4 +20,3 @@ private:
     QTime baseTime;
 };
 
-#endif  // ORYX_PLOT_TIMESCALEDRAW_H

@@ -1,5 +1,4 @@
-#ifndef ORYX_RECORD_CSVFORMAT_H
-#define ORYX_RECORD_CSVFORMAT_H
+#pragma once
 
 #include <QDateTime>
 #include <QString>
@@ -36,4 +35,3 @@ QString csvHeader(const RecOptions& options);
 // header's order, each in fixed notation with 9 decimals and followed by a comma.
 void appendCsvRow(std::string& line, const RecOptions& options, const CsvRow& row);
 
-#endif  // ORYX_RECORD_CSVFORMAT_H

@@ -1,5 +1,4 @@
-#ifndef ORYX_RECORD_CSVWRITER_H
-#define ORYX_RECORD_CSVWRITER_H
+#pragma once
 
 #include <QFile>
 #include <QString>
@@ -47,4 +46,3 @@ private:
     std::string line;  // reused for every row
 };
 
-#endif  // ORYX_RECORD_CSVWRITER_H

@@ -1,5 +1,4 @@
-#ifndef ORYX_RECORD_FILEERRORBOX_H
-#define ORYX_RECORD_FILEERRORBOX_H
+#pragma once
 
 class QWidget;
 class Style;
@@ -8,4 +7,3 @@ class Style;
 // opening file for writing", one "Ok" button) and waits until the box is closed.
 void showFileOpenError(QWidget* parent, const Style& style);
 
-#endif  // ORYX_RECORD_FILEERRORBOX_H

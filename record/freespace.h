@@ -1,5 +1,4 @@
-#ifndef ORYX_RECORD_FREESPACE_H
-#define ORYX_RECORD_FREESPACE_H
+#pragma once
 
 #include <QString>
 
@@ -21,4 +20,3 @@ QString freeSpaceStyleSheet(double gigabytes);
 // Both of the above on `label`.
 void showFreeSpace(QLabel* label, double gigabytes, const QString& path);
 
-#endif  // ORYX_RECORD_FREESPACE_H

@@ -1,5 +1,4 @@
-#ifndef ORYX_RECORD_RECOPTIONDLG_H
-#define ORYX_RECORD_RECOPTIONDLG_H
+#pragma once
 
 #include <QDialog>
 
@@ -33,4 +32,3 @@ private:
     RecOptions recOptions;
 };
 
-#endif  // ORYX_RECORD_RECOPTIONDLG_H

@@ -1,5 +1,4 @@
-#ifndef ORYX_RECORD_RECOPTIONS_H
-#define ORYX_RECORD_RECOPTIONS_H
+#pragma once
 
 #include <QString>
 
@@ -28,4 +27,3 @@ public:
     int sampleFreq = 400;  // rows per second wanted
 };
 
-#endif  // ORYX_RECORD_RECOPTIONS_H

@@ -1,5 +1,4 @@
-#ifndef ORYX_UI_MESSAGEBOX_H
-#define ORYX_UI_MESSAGEBOX_H
+#pragma once
 
 #include <QMessageBox>
 #include <QString>
@@ -17,4 +16,3 @@ inline const QString kMessageBoxObjectName = QStringLiteral("oryxMessageBox");
 int showMessage(QWidget* parent, const Style& style, QMessageBox::Icon icon, const QString& title,
                 const QString& text, const QStringList& buttons = {QStringLiteral("Ok")});
 
-#endif  // ORYX_UI_MESSAGEBOX_H

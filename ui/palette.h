@@ -1,5 +1,4 @@
-#ifndef ORYX_UI_PALETTE_H
-#define ORYX_UI_PALETTE_H
+#pragma once
 
 #include <QColor>
 #include <QString>
@@ -73,4 +72,3 @@ inline const QString company_clr_h = bw_dark_lime;
 
 }  // namespace clr
 
-#endif  // ORYX_UI_PALETTE_H

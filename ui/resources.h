@@ -1,5 +1,4 @@
-#ifndef ORYX_UI_RESOURCES_H
-#define ORYX_UI_RESOURCES_H
+#pragma once
 
 // Registers the resource bundle of the user interface (":/icon/...", ":/images/...",
 // ":/font/...") with Qt. Safe to call any number of times.
@@ -10,4 +9,3 @@
 // also calls it.)
 void initOryxResources();
 
-#endif  // ORYX_UI_RESOURCES_H

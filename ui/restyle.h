@@ -1,5 +1,4 @@
-#ifndef ORYX_UI_RESTYLE_H
-#define ORYX_UI_RESTYLE_H
+#pragma once
 
 #include <QString>
 
@@ -13,4 +12,3 @@ class QWidget;
 // calibration dialog, the black header of the main window); use this to restyle those.
 void replaceStyleSheet(QWidget* widget, const QString& sheet);
 
-#endif  // ORYX_UI_RESTYLE_H

@@ -1,5 +1,4 @@
-#ifndef ORYX_UI_SHEETS_H
-#define ORYX_UI_SHEETS_H
+#pragma once
 
 #include <QString>
 
@@ -92,4 +91,3 @@ QString lineEditWhitePadded();
 
 }  // namespace sheet
 
-#endif  // ORYX_UI_SHEETS_H

@@ -1,5 +1,4 @@
-#ifndef ORYX_UI_STYLE_H
-#define ORYX_UI_STYLE_H
+#pragma once
 
 #include <QFont>
 #include <QString>
@@ -132,4 +131,3 @@ public:
     QFont messageBoxFont;
 };
 
-#endif  // ORYX_UI_STYLE_H

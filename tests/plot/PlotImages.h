@@ -1,5 +1,4 @@
-#ifndef ORYX_TESTS_PLOT_PLOTIMAGES_H
-#define ORYX_TESTS_PLOT_PLOTIMAGES_H
+#pragma once
 
 #include <qwt_plot.h>
 
@@ -27,4 +26,3 @@ inline double differingShare(const QImage& a, const QImage& b) {
     return double(differing) / double(qint64(ra.width()) * ra.height());
 }
 
-#endif  // ORYX_TESTS_PLOT_PLOTIMAGES_H
