@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "Angles.h"
+
 const bw::Translation CameraGL::ORIGINAL_FORWARD(0.f, 0.f, 1.f);
 const bw::Translation CameraGL::ORIGINAL_UP(0.f, 1.f, 0.f);
 const bw::Translation CameraGL::ORIGINAL_RIGHT(1.f, 0.f, 0.f);
@@ -30,9 +32,8 @@ void CameraGL::setProjection(float horizontalFOV, float verticalFOV, float znear
     verticalFieldOfView = verticalFOV;
     znear = znear_;
     zfar = zfar_;
-    const double pi = 3.141592653589793;
-    const double fovx = horizontalFOV * 0.5 * pi / 180.0;
-    const double fovy = verticalFOV * 0.5 * pi / 180.0;
+    const double fovx = radiansFromDegrees(horizontalFOV * 0.5);
+    const double fovy = radiansFromDegrees(verticalFOV * 0.5);
     projection.setIdentity();
     projection(0, 0) = static_cast<float>(1.0 / std::tan(fovx));
     projection(1, 1) = static_cast<float>(1.0 / std::tan(fovy));
@@ -49,7 +50,7 @@ void CameraGL::setDirection(const bw::Translation& direction, const bw::Translat
     updateVectors();
     vertical = vertical_;
     if (bw::Translation::dot(vertical, up) < 0.f) {
-        rotate(bw::Rotation(3.1415927f, ORIGINAL_FORWARD));
+        rotate(bw::Rotation(static_cast<float>(kPi), ORIGINAL_FORWARD));
     }
 }
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Angles.hpp"
 #include "Harmonics.hpp"
 
 namespace bw::sim {
@@ -30,7 +31,6 @@ public:
     }
 
 private:
-    static constexpr double kPi = 3.14159265358979323846;
 
     Smooth rampUp(double x) const {
         const double k = kPi / ramp_;

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "Angles.hpp"
 #include "Eeprom.hpp"
 
 namespace bw::sim {
@@ -12,7 +13,6 @@ namespace bw::sim {
 namespace {
 
 constexpr double kStandardGravity = 9.80665;
-constexpr double kDegToRad = 3.14159265358979323846 / 180.0;
 constexpr double kNsPerTick = MCU_TICK_US * 1000.0;
 constexpr double kMagCountsPerUt = 1.0 / MCU_MAG_UT_PER_COUNT;
 // Below this, a horizontal field or gravity vector has no usable direction.

@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Angles.hpp"
 #include "EarthModel.hpp"
 
 namespace bw::sim {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr double kTwoPi = 2.0 * kPi;
-constexpr double kDegToRad = kPi / 180.0;
 
 // Gentle: handled for about 20 s, then set down for a few seconds, so that the moving state
 // of the camera changes now and then.

@@ -1,6 +1,8 @@
 // Arithmetic of the geometry value types. The public types are plain float arrays; the maths is
 // done by mapping them onto Eigen types, so every convention here is Eigen's: Hamilton
 // quaternions, active rotations, q1 * q2 applies q2 first.
+#include "Angles.hpp"
+
 #include <Eigen/Dense>
 #include <Eigen/Geometry>
 #include <algorithm>
@@ -14,7 +16,7 @@ namespace {
 using Mat3 = Eigen::Matrix<float, 3, 3, Eigen::RowMajor>;
 using Mat4 = Eigen::Matrix<float, 4, 4, Eigen::RowMajor>;
 
-constexpr float kPi = 3.14159265358979323846f;
+constexpr float kPi = static_cast<float>(sim::kPi);
 constexpr float kRadToDeg = 180.f / kPi;
 constexpr float kDegToRad = kPi / 180.f;
 

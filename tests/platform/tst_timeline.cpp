@@ -30,7 +30,6 @@ constexpr std::uint64_t kStart = Clock::kVirtualEpochNs;
 constexpr std::uint64_t kMs = 1'000'000ull;
 constexpr std::uint64_t kSecond = 1'000'000'000ull;
 constexpr double kGravity = 9.80665;
-constexpr double kPi = 3.14159265358979323846;
 const Eigen::Vector3d kEarthField(22.0, 0.0, -42.0);  // µT, world: x north, z up
 
 DeviceConfig cameraWith(MotionProfile motion, std::uint64_t seed = 11,
