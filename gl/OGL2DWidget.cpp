@@ -229,17 +229,17 @@ void OGL2DWidget::Deinit() {
 
 void OGL2DWidget::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) {
-        if (selectionLocked && ProgramStates::getIntAttr(4) != 0) {
+        if (selectionLocked && ProgramStates::getIntAttr(IntSlot::IMAGE_CLICK_LOCK) != 0) {
             return;
         }
         const double u = static_cast<double>(qRound(event->localPos().x())) / width();
         const double v = static_cast<double>(qRound(event->localPos().y())) / height();
         if (u >= 0.0 && u <= 1.0 && v >= 0.0 && v <= 1.0) {
-            ProgramStates::setDoubleAttr(1, u);
-            ProgramStates::setDoubleAttr(2, v);
+            ProgramStates::setDoubleAttr(DoubleSlot::CLICKED_X, u);
+            ProgramStates::setDoubleAttr(DoubleSlot::CLICKED_Y, v);
         }
     } else if (event->button() == Qt::RightButton) {
-        ProgramStates::setDoubleAttr(1, -1.0);
-        ProgramStates::setDoubleAttr(2, -1.0);
+        ProgramStates::setDoubleAttr(DoubleSlot::CLICKED_X, -1.0);
+        ProgramStates::setDoubleAttr(DoubleSlot::CLICKED_Y, -1.0);
     }
 }
