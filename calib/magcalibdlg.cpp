@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "CalibPlot.h"
+#include "CameraModels.h"
 #include "Compass.h"
 #include "mag_calib.h"
 #include "magcalibrecord.h"
@@ -157,7 +158,7 @@ bool MagCalibDlg::initOryxMcu() {
     }
     mcu.reset();
     mcu = std::make_shared<bw::ORYXmcu>(false, bw::ORYX_USB_VENDOR_ID,
-                                        static_cast<bw::MODEL>(serial / 10'000'000), false, "");
+                                        modelFromSerial(unsigned(serial)), false, "");
     const int result = mcu->open(static_cast<unsigned>(serial), false, static_cast<bw::_imu_odr>(2),
                                  nullptr, nullptr, true, false);
     if (result != 0) {
@@ -210,6 +211,8 @@ void MagCalibDlg::magDataGrabThread(std::shared_ptr<bw::ORYXmcu> device) {
 
     if (!device->isCapturing()) device->startCapture(0.0f);
     {
+        // A fresh coverage grid per run. Nothing feeds it and its share is not shown: the
+        // device's own verdict rates a calibration. The wiring is kept as it was shipped.
         std::lock_guard<std::mutex> lock(sampleMutex);
         orientCount = std::make_shared<OrientCount>();
     }
@@ -259,7 +262,7 @@ void MagCalibDlg::magDataGrabThread(std::shared_ptr<bw::ORYXmcu> device) {
         const double uncalibrated = device->calcMagHeading(mag, gravity) * kRadToDeg;
         const int status = pose.mag_calib_status;
         headingUncalib = uncalibrated;
-        headingCalib = status == 3 ? uncalibrated : pose.mag_heading * kRadToDeg;
+        headingCalib = status == MAG_CALIB_NONE ? uncalibrated : pose.mag_heading * kRadToDeg;
         if (!acquiring) {
             calibStatus = status;
             calibQuality = pose.mag_calib_quality;
@@ -447,7 +450,7 @@ void MagCalibDlg::keyPressEvent(QKeyEvent* event) {
 void MagCalibDlg::onUpdateTimer() {
     if (acquiring) {
         std::lock_guard<std::mutex> lock(sampleMutex);
-        if (orientCount) orientCount->getPercNotZero();
+        if (orientCount) orientCount->getPercNotZero();  // unused, see magDataGrabThread
         const int n = rawX.size();
         if (n > 100 && n - lastCalibCount > 49) {
             calibrateData();
@@ -487,16 +490,16 @@ void MagCalibDlg::onUpdateTimer() {
         return;
     }
     switch (calibStatus.load()) {
-        case 0:
+        case MAG_CALIB_GOOD:
             label->setText(tr("GOOD"));
             break;
-        case 1:
+        case MAG_CALIB_OK:
             label->setText(tr("OK"));
             break;
-        case 2:
+        case MAG_CALIB_NOT_GOOD:
             label->setText(tr("NOT GOOD"));
             break;
-        case 3:
+        case MAG_CALIB_NONE:
             label->setText(tr("MAG. NOT CALIBRATED"));
             break;
         default:
@@ -599,6 +602,7 @@ void MagCalibDlg::setPlotsAutoscale(bool on) {
     }
 }
 
+// Nothing on the form depends on the state beyond what the slots set; kept as the hook it was.
 void MagCalibDlg::updateForms() {}
 
 void MagCalibDlg::setBwStyleSheet() {

@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "CameraModels.h"
+
 MagAxes magAxesFromRaw(std::int16_t d0, std::int16_t d1, std::int16_t d2) {
     MagAxes a;
     a.x = -d1 * kMagFieldPerCount;
@@ -47,23 +49,11 @@ BwDeviceList filterMagDevices(const std::vector<bw::HidDeviceRecord>& devices) {
     for (const bw::HidDeviceRecord& device : devices) {
         const unsigned serial =
             static_cast<unsigned>(std::strtoul(device.serialNumber.c_str(), nullptr, 10));
-        unsigned short productId = device.productId;
-        if (productId == 0) {
-            switch (serial / 10'000'000) {
-                case 3:
-                    productId = bw::MCU_PID_ORYX_D;
-                    break;
-                case 2:
-                    productId = bw::MCU_PID_ORYX_C;
-                    break;
-                case 1:
-                    productId = bw::MCU_PID_ORYX_B;
-                    break;
-                default:
-                    break;
-            }
-        }
-        if (productId != bw::MCU_PID_ORYX_C && productId != bw::MCU_PID_ORYX_D) continue;
+        // Some firmware reports product id 0: the serial's model digit tells the model then.
+        const ModelInfo model = device.productId != 0 ? modelWithMicroController(device.productId)
+                                                      : modelInfo(modelFromSerial(serial));
+        if (!model.canCalibrateMagnetometer()) continue;
+        const unsigned short productId = model.microControllerProductId;
         list.productIds.append(productId);
         list.serials.append(QStringLiteral("%1").arg(serial));
         list.firmware.append(QStringLiteral("v%1.%2")

@@ -1,5 +1,4 @@
-#ifndef ORYX_CALIB_MAGCALIBRECORD_H
-#define ORYX_CALIB_MAGCALIBRECORD_H
+#pragma once
 
 // Pure pieces of the magnetometer calibration dialog: the mapping between the device's raw
 // magnetometer axes (d0, d1, d2) and the dialog's axes (x, y, z), the EEPROM record built from a
@@ -15,6 +14,14 @@
 
 // Field in µT per raw magnetometer count.
 constexpr double kMagFieldPerCount = 0.0625;
+
+// The device's verdict on the magnetometer calibration it holds, from its pose record.
+enum MagCalibStatus : int {
+    MAG_CALIB_GOOD = 0,
+    MAG_CALIB_OK = 1,
+    MAG_CALIB_NOT_GOOD = 2,
+    MAG_CALIB_NONE = 3,  // not calibrated: the device's heading is the uncalibrated one
+};
 
 struct MagAxes {
     double x = 0.0;
@@ -46,5 +53,3 @@ struct BwDeviceList {
 // Keeps the ORYX_C / ORYX_D micro-controllers. A product id of 0 is derived from the serial's
 // model digit (serial / 10,000,000: 3 -> D, 2 -> C, 1 -> B).
 BwDeviceList filterMagDevices(const std::vector<bw::HidDeviceRecord>& devices);
-
-#endif  // ORYX_CALIB_MAGCALIBRECORD_H

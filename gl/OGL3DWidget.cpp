@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "CameraModels.h"
 #include "Oryx3D.h"
 #include "Shaders.h"
 #include "programstates.h"
@@ -197,25 +198,36 @@ void OGL3DWidget::getColor(int n, int i, float& r, float& g, float& b) {
 
 void OGL3DWidget::CreateORYXModel() {
     cameraModel = new Simple3DObject(bw::Translation(0.f, 0.f, 0.f), false);
-    const int model = ProgramStates::getIntAttr(18);
-    if (model == 0) {
-        using namespace ORYX_obj;
-        fillORYX(54, vertices, alluminiumTriangles, ALLUMINIUM_COLOR, cameraModel);
-        fillORYX(54, vertices, darkTriangles, DARK_COLOR, cameraModel);
-    } else if (model == 1) {
-        using namespace ORYX_B_obj;
-        fillORYX(35, vertices, alluminiumTriangles, ALLUMINIUM_COLOR, cameraModel);
-        fillORYX(52, vertices, alluminiumTriangles2, ALLUMINIUM_COLOR, cameraModel);
-        fillORYX(38, vertices, alluminiumTriangles3, ALLUMINIUM_COLOR, cameraModel);
-        fillORYX(1142, vertices, darkTriangles, DARK_COLOR, cameraModel);
-        fillORYX(126, vertices, darkTriangles2, DARK_COLOR, cameraModel);
-        fillORYX(20, vertices, greyTriangles, LENS_COLOR, cameraModel);
-        fillORYX(20, vertices, greyTriangles2, LENS_COLOR, cameraModel);
-        fillORYX(80, vertices, yellowTriangles, YELLOW_COLOR, cameraModel);
-    } else {
-        using namespace ORYX_C_obj;
-        fillORYX(54, vertices, alluminiumTriangles, ALLUMINIUM_COLOR, cameraModel);
-        fillORYX(54, vertices, darkTriangles, DARK_COLOR, cameraModel);
+    switch (modelInfo(unsigned(ProgramStates::getIntAttr(IntSlot::MODEL_CODE))).mesh) {
+        case CameraMesh::ORYX: {
+            using namespace ORYX_obj;
+            fillORYX(ALLUMINIUM_TRIANGLE_COUNT, vertices, alluminiumTriangles, ALLUMINIUM_COLOR,
+                     cameraModel);
+            fillORYX(DARK_TRIANGLE_COUNT, vertices, darkTriangles, DARK_COLOR, cameraModel);
+            break;
+        }
+        case CameraMesh::ORYX_B: {
+            using namespace ORYX_B_obj;
+            fillORYX(ALLUMINIUM_TRIANGLE_COUNT, vertices, alluminiumTriangles, ALLUMINIUM_COLOR,
+                     cameraModel);
+            fillORYX(ALLUMINIUM_TRIANGLE_2_COUNT, vertices, alluminiumTriangles2, ALLUMINIUM_COLOR,
+                     cameraModel);
+            fillORYX(ALLUMINIUM_TRIANGLE_3_COUNT, vertices, alluminiumTriangles3, ALLUMINIUM_COLOR,
+                     cameraModel);
+            fillORYX(DARK_TRIANGLE_COUNT, vertices, darkTriangles, DARK_COLOR, cameraModel);
+            fillORYX(DARK_TRIANGLE_2_COUNT, vertices, darkTriangles2, DARK_COLOR, cameraModel);
+            fillORYX(GREY_TRIANGLE_COUNT, vertices, greyTriangles, LENS_COLOR, cameraModel);
+            fillORYX(GREY_TRIANGLE_2_COUNT, vertices, greyTriangles2, LENS_COLOR, cameraModel);
+            fillORYX(YELLOW_TRIANGLE_COUNT, vertices, yellowTriangles, YELLOW_COLOR, cameraModel);
+            break;
+        }
+        case CameraMesh::ORYX_C: {
+            using namespace ORYX_C_obj;
+            fillORYX(ALLUMINIUM_TRIANGLE_COUNT, vertices, alluminiumTriangles, ALLUMINIUM_COLOR,
+                     cameraModel);
+            fillORYX(DARK_TRIANGLE_COUNT, vertices, darkTriangles, DARK_COLOR, cameraModel);
+            break;
+        }
     }
     cameraModel->setDrawingType(4);
     cameraModel->pushToGPU();
