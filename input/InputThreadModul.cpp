@@ -31,7 +31,7 @@ bw::InitParameters InputThreadModul::getInitParams() const {
                                   bw::UNIT::MILLIMETER, bw::COORDINATE_SYSTEM::IMAGE, 1, -1, -1.f,
                                   -1.f, false, 0, false, "", 1, nullptr, bw::InputType(), "", false,
                                   true, "", 5.f, false, 0.f, 0, false);
-    parameters.stream_quality = ProgramStates::getIntAttr(1);
+    parameters.stream_quality = ProgramStates::getIntAttr(IntSlot::STREAM_QUALITY);
     parameters.depth_stabilization = 0;
     parameters.sensors_start_delay_ms = 0;
     parameters.image_downscale_x = 2;
@@ -42,7 +42,7 @@ bw::InitParameters InputThreadModul::getInitParams() const {
 
 bw::InitParametersOne InputThreadModul::getInitParamsOne() const {
     bw::InitParametersOne parameters;
-    parameters.stream_quality = ProgramStates::getIntAttr(1);
+    parameters.stream_quality = ProgramStates::getIntAttr(IntSlot::STREAM_QUALITY);
     parameters.sensors_required = true;
     parameters.image_downscale_x = 2;
     parameters.image_downscale_y = 2;
@@ -55,7 +55,7 @@ bw::InitParametersOne InputThreadModul::getInitParamsOne() const {
 int InputThreadModul::live(unsigned serial) {
     bw::InitParameters parameters = getInitParams();
     parameters.input.setFromSerialNumber(serial, bw::BUS_TYPE::USB);
-    parameters.sensor_rate_percent = ProgramStates::getIntAttr(13);
+    parameters.sensor_rate_percent = ProgramStates::getIntAttr(IntSlot::SENSOR_RATE_PERCENT);
     return openStereo(parameters);
 }
 
@@ -110,21 +110,21 @@ void InputThreadModul::keepStereoFacts() {
 bool InputThreadModul::CreateMemories() {
     if (!opened) return false;
     bw::gpu::getLastError();
-    const bool single = !stereoOpen;
+    const bool single = isSingleSensorOpen();
     const bw::CameraInformation info =
         single ? cameraOne.getCameraInformation() : camera.getCameraInformation();
-    ProgramStates::setIntAttr(18, static_cast<int>(info.camera_model));
+    ProgramStates::setIntAttr(IntSlot::MODEL_CODE, static_cast<int>(info.camera_model));
     const double openTimeout = single ? cameraOne.getInitParameters().open_timeout_sec
                                       : camera.getInitParameters().open_timeout_sec;
-    ProgramStates::setDoubleAttr(3, openTimeout);
+    ProgramStates::setDoubleAttr(DoubleSlot::OPEN_TIMEOUT, openTimeout);
     cudaContext = single ? nullptr : camera.getCUDAContext();
     bw::gpu::makeContextCurrent(cudaContext);
     imageWidth = info.camera_configuration.resolution.width;
     imageHeight = info.camera_configuration.resolution.height;
-    ProgramStates::setIntAttr(7, static_cast<int>(imageWidth));
-    ProgramStates::setIntAttr(9, static_cast<int>(imageWidth));
-    ProgramStates::setIntAttr(8, static_cast<int>(imageHeight));
-    ProgramStates::setIntAttr(10, static_cast<int>(imageHeight));
+    ProgramStates::setIntAttr(IntSlot::IMAGE_WIDTH, static_cast<int>(imageWidth));
+    ProgramStates::setIntAttr(IntSlot::GRAB_WIDTH, static_cast<int>(imageWidth));
+    ProgramStates::setIntAttr(IntSlot::IMAGE_HEIGHT, static_cast<int>(imageHeight));
+    ProgramStates::setIntAttr(IntSlot::GRAB_HEIGHT, static_cast<int>(imageHeight));
     emit sendInit();
     return bw::gpu::getLastError() == bw::gpu::SUCCESS;
 }
@@ -135,10 +135,14 @@ void InputThreadModul::enableToStart(bool) {
 }
 
 void InputThreadModul::startGrabbing() {
-    if (opened) QThread::start(QThread::InheritPriority);
+    if (!opened) return;
+    quit = false;
+    QThread::start(QThread::InheritPriority);
 }
 
 void InputThreadModul::stopGrabbing() {
+    // The loop may not have begun yet: quit keeps it from starting after running is cleared.
+    quit = true;
     running = false;
     wait();
 }
@@ -149,13 +153,13 @@ void InputThreadModul::notifyCameraLost() {
 
 unsigned InputThreadModul::getModel() const {
     if (stereoOpen) return modelCode;
-    if (cameraOne.isOpened()) return oneModelCode;
+    if (isSingleSensorOpen()) return oneModelCode;
     return kNoCameraModel;
 }
 
 unsigned InputThreadModul::getSerialNum() const {
     if (stereoOpen) return serialNumber;
-    if (cameraOne.isOpened()) return oneSerialNumber;
+    if (isSingleSensorOpen()) return oneSerialNumber;
     return 0;
 }
 
@@ -170,8 +174,10 @@ bool InputThreadModul::waitForStart() {
 void InputThreadModul::followReplay(bool paused) {
     if (!isFile || replaySlider == nullptr) return;
     if (!paused) {
-        const int position = replaySlider->value() + ProgramStates::getIntAttr(5);
-        if (ProgramStates::getIntAttr(5) != 1) camera.setReplayPosition(position);
+        const int position =
+            replaySlider->value() + ProgramStates::getIntAttr(IntSlot::REPLAY_STEP);
+        if (ProgramStates::getIntAttr(IntSlot::REPLAY_STEP) != 1)
+            camera.setReplayPosition(position);
         replaySlider->setValue(position);
     } else {
         camera.setReplayPosition(replaySlider->value());
@@ -180,7 +186,7 @@ void InputThreadModul::followReplay(bool paused) {
 
 int InputThreadModul::grabOnce(bool singleSensor) {
     std::lock_guard<std::mutex> lock(grabMutex);
-    const bool paused = ProgramStates::getBoolAttr(1);
+    const bool paused = ProgramStates::getBoolAttr(BoolSlot::PAUSE);
     followReplay(paused);
     if (paused && !isFile) return bw::SUCCESS;
     if (singleSensor) return cameraOne.grab();
@@ -189,12 +195,12 @@ int InputThreadModul::grabOnce(bool singleSensor) {
 }
 
 void InputThreadModul::run() {
-    const bool singleSensor = cameraOne.isOpened() && !stereoOpen;
+    const bool singleSensor = isSingleSensorOpen();
     if (!waitForStart()) return;
     running = true;
-    ProgramStates::setIntAttr(9, static_cast<int>(imageWidth));
-    ProgramStates::setIntAttr(10, static_cast<int>(imageHeight));
-    while (running) {
+    ProgramStates::setIntAttr(IntSlot::GRAB_WIDTH, static_cast<int>(imageWidth));
+    ProgramStates::setIntAttr(IntSlot::GRAB_HEIGHT, static_cast<int>(imageHeight));
+    while (running && !quit) {
         bw::gpu::makeContextCurrent(cudaContext);
         const int result = grabOnce(singleSensor);
         if (result == bw::CAMERA_NOT_DETECTED) {
@@ -205,7 +211,7 @@ void InputThreadModul::run() {
         } else if (result != bw::SUCCESS) {
             pauseMs(1);
         }
-        if (isFile && replaySlider != nullptr && !ProgramStates::getBoolAttr(1) &&
+        if (isFile && replaySlider != nullptr && !ProgramStates::getBoolAttr(BoolSlot::PAUSE) &&
             camera.getReplayPosition() >= frameCount) {
             replaySlider->setValue(0);
             camera.setReplayPosition(0);

@@ -44,6 +44,8 @@ public:
     bw::Camera& stereoCamera() { return camera; }
     bw::CameraOne& singleCamera() { return cameraOne; }
     bool isStereoOpen() const { return stereoOpen; }
+    // The single-sensor camera is the open one; at most one of the two is.
+    bool isSingleSensorOpen() const { return !stereoOpen && cameraOne.isOpened(); }
     bool isOpened() const { return opened; }
     std::uint64_t getImageWidth() const { return imageWidth; }
     std::uint64_t getImageHeight() const { return imageHeight; }

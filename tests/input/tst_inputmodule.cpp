@@ -101,6 +101,20 @@ private slots:
         QCOMPARE(p.image_downscale_y, 2);
     }
 
+    // A stop that comes before the new grab loop has begun still ends it.
+    void stoppingRightAfterStartingEndsTheLoop() {
+        const bw::sim::DeviceConfig camera = simulatedCamera(MODEL::ORYX_D);
+        FreeVirtualTime time({camera});
+        InputThreadModul module;
+        QCOMPARE(module.live(camera.serial), int(bw::SUCCESS));
+        module.enableToStart(true);
+        for (int round = 0; round < 100; ++round) {
+            module.startGrabbing();
+            module.stopGrabbing();
+            QVERIFY(module.isFinished());
+        }
+    }
+
     // Any grab error but a lost camera is waited out; a lost camera ends the loop and is
     // reported once.
     void theGrabLoopCarriesOnThroughErrorsAndEndsOnALoss() {
