@@ -4,6 +4,7 @@
 #include <QString>
 
 #include "SensorSamples.h"
+#include "SensorTable.h"
 
 struct SensorReadout {
     QString fields[3];  // empty where the sensor has no such axis
@@ -13,7 +14,6 @@ struct SensorReadout {
 // Rate label: the measured rate rounded up, but never above the nominal rate.
 QString rateText(double nominalRate, double effectiveRate);
 
-// Texts for the sensor named `sensorName` from the last row of the series (the caller holds the
-// data lock and has checked that there is a row). Unknown names read as the accelerometer.
-SensorReadout readoutFor(const QString& sensorName, const SensorSeries& series,
-                         const SensorLevels& levels);
+// Texts for `sensor` from the last row of the series (the caller holds the data lock and has
+// checked that there is a row).
+SensorReadout readoutFor(Sensor sensor, const SensorSeries& series, const SensorLevels& levels);

@@ -1,3 +1,5 @@
+// The window's life: construction, opening a camera, and tearing down when the camera goes away
+// or the window closes.
 #include "mainwindow.h"
 
 #include <QCloseEvent>
@@ -12,26 +14,48 @@
 #include "style.h"
 #include "ui_mainwindow.h"
 
+namespace {
+
+constexpr int kDetectPeriodMs = 200;
+constexpr int kImagePeriodMs = 40;
+// Timers stopped, the window gives threads that still report a moment before it joins them.
+constexpr unsigned long kSettleMs = 100;
+
+// The sampling thread hands every appended row's pose to the view; the view copies it once
+// per frame.
+void turnOrientationView(OGL3DWidget& view, const SampleIngest::Pose& pose) {
+    view.setGravity(pose.gravity[0], pose.gravity[1], pose.gravity[2]);
+    view.setCameraModelOr(pose.orientation);
+    view.setCameraModelPos(bw::Translation(0.f, 0.f, 0.f));
+    view.setMovingState(pose.movingState);
+}
+
+}  // namespace
+
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(new Ui::MainWindow) {
     ui->setupUi(this);
     recordDir.setPath(recOptions.saveFolder);
     statusBar()->hide();
     style = new Style();
     applyStyle();
+    OGL3DWidget* view = ui->widget_3d_view;
+    session.setPoseListener(
+        [view](const SampleIngest::Pose& pose) { turnOrientationView(*view, pose); });
+    session.setRecorder(this);
+    connect(&session, &LiveCameraSession::cameraLost, this, &MainWindow::cameraDisconnected);
     initCharts();
     printDiskFreeSpace();
-    detectTimer = makeTimer(200, &MainWindow::detectMultipleDevice);
+    detectTimer = makeTimer(kDetectPeriodMs, &MainWindow::detectMultipleDevice);
 }
 
 MainWindow::~MainWindow() {
     // closeEvent normally did all of this already; a window destroyed without being closed
-    // (tests, early exit) still stops the sampling thread before the camera goes.
+    // (tests, early exit) still stops the sampling thread, which turns the view, before the
+    // widgets go.
     stopViewTimers();
     discardTimer(detectTimer);
-    stopSampling();
+    session.close();
     delete ui;
-    releaseInput();
-    delete dataThread;
     detectionThread.wait();
     delete style;
 }
@@ -40,11 +64,12 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     disconnectSignals();
     stopViewTimers();
     discardTimer(detectTimer);
-    QThread::msleep(100);
-    stopSampling();
-    releaseInput();
+    QThread::msleep(kSettleMs);
+    session.close();
     QMainWindow::closeEvent(event);
 }
+
+// ---- timers ------------------------------------------------------------------------------------
 
 template <typename Slot>
 QTimer* MainWindow::makeTimer(int periodMs, Slot slot) {
@@ -63,48 +88,33 @@ void MainWindow::discardTimer(QTimer*& timer) {
     timer = nullptr;
 }
 
+void MainWindow::startViewTimers() {
+    imageTimer = makeTimer(kImagePeriodMs, &MainWindow::updateImages);
+    plotTimer = makeTimer(plotPeriodMs, &MainWindow::updatePlot);
+    displayTimer = makeTimer(displayPeriodMs, &MainWindow::updateDataDisplay);
+}
+
 void MainWindow::stopViewTimers() {
     for (QTimer** timer : {&imageTimer, &plotTimer, &displayTimer}) discardTimer(*timer);
 }
 
-void MainWindow::stopSampling() {
-    if (dataThread == nullptr) return;
-    // The thread may already have ended by itself (camera lost); it must still be joined.
-    stopDataThread = true;
-    if (dataThread->joinable()) dataThread->join();
-    delete dataThread;
-    dataThread = nullptr;
-}
-
-void MainWindow::releaseInput() {
-    std::lock_guard<std::mutex> lock(inputLifetime);
-    delete inputModule.exchange(nullptr);
-}
+// ---- the open camera's signals -----------------------------------------------------------------
 
 void MainWindow::connectSignals() {
-    InputThreadModul* module = inputModule.load();
+    InputThreadModul* module = session.input();
     if (module == nullptr) return;
     connect(module, &InputThreadModul::sendContext, this, &MainWindow::setContext);
     connect(module, &InputThreadModul::sendInit, ui->widget_3d_view, &OGL3DWidget::InitProcess);
-    // The loss is reported from the grab or the sampling thread and handled here. By then the
-    // window may already have torn that camera down (the readout notices a loss too), so a
-    // report about an earlier camera is dropped.
-    const int generation = ++inputGeneration;
-    connect(
-        module, &InputThreadModul::DetectORYXDisconnect, this,
-        [this, generation] {
-            if (generation == inputGeneration) cameraDisconnected();
-        },
-        Qt::QueuedConnection);
 }
 
 void MainWindow::disconnectSignals() {
-    withInput([this](InputThreadModul& module) {
-        disconnect(&module, nullptr, this, nullptr);
-        disconnect(&module, nullptr, ui->widget_3d_view, nullptr);
-    });
+    InputThreadModul* module = session.input();
+    if (module == nullptr) return;
+    disconnect(module, nullptr, this, nullptr);
+    disconnect(module, nullptr, ui->widget_3d_view, nullptr);
 }
 
+// The 3D view takes its GL context itself.
 void MainWindow::setContext() {}
 
 void MainWindow::showMessage(int icon, const QString& title, const QString& text) {
@@ -118,6 +128,8 @@ void MainWindow::displayDefaultValues() {
     ui->lineEdit_value_2->setText(QStringLiteral("---"));
 }
 
+// ---- opening ----------------------------------------------------------------------------------
+
 void MainWindow::createLiveInput() {
     // The message boxes below run a nested event loop while the view timers already tick; the
     // readout must not take the camera being opened for a lost one meanwhile.
@@ -128,41 +140,19 @@ void MainWindow::createLiveInput() {
     } openingDone{openingCamera};
     setCursor(Qt::BusyCursor);
     reset();
-    ui->comboBox_time_range->addItems(
-        {tr("Last 5 sec"), tr("Last 10 sec"), tr("Last 30 sec"), tr("Last 60 sec")});
-    ui->comboBox_time_range->setCurrentIndex(1);
-
-    ProgramStates::resetStates();
-    ProgramStates::qstringAttr(1) = QStringLiteral("Sensor Data Viewer");
-    ProgramStates::setIntAttr(1, streamQuality);
-    for (int i : {13, 11, 12, 17}) ProgramStates::setIntAttr(i, sensorRatePercent);
-    ProgramStates::setIntAttr(4, 0);
-    ProgramStates::setIntAttr(15, 1);
-    ProgramStates::setIntAttr(2, 25000);
-    ProgramStates::setIntAttr(3, 95);
-    ProgramStates::setBoolAttr(3, true);
-
-    imageTimer = makeTimer(40, &MainWindow::updateImages);
-    plotTimer = makeTimer(plotPeriodMs, &MainWindow::updatePlot);
-    displayTimer = makeTimer(displayPeriodMs, &MainWindow::updateDataDisplay);
-
-    inputModule = new InputThreadModul();
-    connectSignals();
-    inputModule.load()->enableToStart(true);
+    fillTimeRanges();
+    resetCameraStates();
+    startViewTimers();
 
     const int index = std::max(0, ui->comboBox_camera_list->currentIndex());
-    if (index < deviceIds.size()) {
-        selectedId = deviceIds[index];
-        selectedSerial = deviceSerials[index];
-        selectedModel = deviceModels[index];
-    }
-    if (openSelectedCamera() != bw::SUCCESS) {
+    if (index < listedCameras.size()) selected = listedCameras[index];
+    if (session.open(selected) != bw::SUCCESS) {
         restartDetection();
         unsetCursor();
         return;
     }
-    InputThreadModul* module = inputModule.load();
-    if (!module->CreateMemories()) {
+    connectSignals();
+    if (!session.prepareGpu()) {
         showMessage(QMessageBox::Critical, tr("Error"),
                     tr("Not enough GPU memory. Try a lower video resolution and/or a lower depth "
                        "quality settings."));
@@ -172,79 +162,91 @@ void MainWindow::createLiveInput() {
         unsetCursor();
         return;
     }
-    if (selectedModel != 30 && selectedModel != 31) {
-        const bw::CameraInformation info = module->stereoCamera().getCameraInformation();
-        if (info.camera_configuration.firmware_version <= 1141u)
-            showMessage(QMessageBox::Warning, tr("Warning"),
-                        tr("Your firmware needs to be updated. Please update it in ORYX "
-                           "Explorer."));
-    }
-    module->startGrabbing();
-    startSensorViews(module->getModel());
+    warnAboutOldFirmware();
+    session.start();
+    startSensorViews(session.model());
     noCamera = false;
     unsetCursor();
 }
 
-int MainWindow::openSelectedCamera() {
-    // Device polling must not query the cameras while one is being opened.
-    std::lock_guard<std::mutex> lock(detectionThread.mutex());
-    InputThreadModul* module = inputModule.load();
-    switch (selectedModel) {
-        case 1:
-        case 2:
-        case 3:
-            return module->live(selectedSerial);
-        case 4:
-        case 5:
-            return module->gmsl(selectedId);
-        case 30:
-        case 31:
-            return module->gmsl_one(selectedId);
-        default:
-            // ORYX (code 0) and unknown codes are never opened.
-            return bw::FAILURE;
-    }
+void MainWindow::fillTimeRanges() {
+    // Each item carries its seconds.
+    QComboBox* range = ui->comboBox_time_range;
+    range->addItem(tr("Last 5 sec"), 5);
+    range->addItem(tr("Last 10 sec"), 10);
+    range->addItem(tr("Last 30 sec"), 30);
+    range->addItem(tr("Last 60 sec"), 60);
+    range->setCurrentIndex(1);
 }
 
-void MainWindow::startSensorViews(unsigned model) {
-    if (model == 0) {
-        // No motion sensors: an empty accelerometer chart over ten seconds.
-        ui->comboBox_time_range->setEnabled(false);
-        ui->frame_data_options->setEnabled(false);
-        initCharts();
-        DataPlot* plot = ui->widget_chart;
-        plot->updateData(DataPlot::ACC_X, series.imuTime, series.accX, false);
-        plot->updateData(DataPlot::ACC_Y, series.imuTime, series.accY, false);
-        plot->updateData(DataPlot::ACC_Z, series.imuTime, series.accZ, false);
-        plot->setValRange(-levels.accRange, levels.accRange, false);
-        plot->setTimeRange(0, 10, false);
-        plot->replot();
+void MainWindow::resetCameraStates() {
+    ProgramStates::resetStates();
+    ProgramStates::qstringAttr(StringSlot::APP_TITLE) = QStringLiteral("Sensor Data Viewer");
+    ProgramStates::setIntAttr(IntSlot::STREAM_QUALITY, streamQuality);
+    for (IntSlot slot : {IntSlot::SENSOR_RATE_PERCENT, IntSlot::RATE_PERCENT_11,
+                         IntSlot::RATE_PERCENT_12, IntSlot::RATE_PERCENT_17})
+        ProgramStates::setIntAttr(slot, sensorRatePercent);
+    ProgramStates::setIntAttr(IntSlot::IMAGE_CLICK_LOCK, 0);
+    ProgramStates::setIntAttr(IntSlot::OPENING_VALUE_15, 1);
+    ProgramStates::setIntAttr(IntSlot::OPENING_VALUE_2, 25000);
+    ProgramStates::setIntAttr(IntSlot::OPENING_VALUE_3, 95);
+    ProgramStates::setBoolAttr(BoolSlot::OPENING_FLAG_3, true);
+    imageTimeOriginUs.reset();
+    lastDisplayUpdate = std::chrono::steady_clock::now();
+}
+
+void MainWindow::warnAboutOldFirmware() {
+    if (!modelInfo(selected.model).hasCameraFirmware()) return;
+    const bw::CameraInformation info = session.input()->stereoCamera().getCameraInformation();
+    if (info.camera_configuration.firmware_version > kLastOutdatedCameraFirmware) return;
+    showMessage(QMessageBox::Warning, tr("Warning"),
+                tr("Your firmware needs to be updated. Please update it in ORYX Explorer."));
+}
+
+void MainWindow::startSensorViews(const ModelInfo& model) {
+    if (!model.imu) {
+        showEmptyChart();
         return;
     }
-    stopDataThread = false;
-    dataThreadRunning = true;
-    dataThread = new std::thread(&MainWindow::dataThreadFunc, this);
     ui->comboBox_time_range->setEnabled(true);
     ui->frame_data_options->setEnabled(true);
-    const bool hasBaroAndMag = model != 1 && model != 4 && model != 5;
-    ui->pushButton_baro->setVisible(hasBaroAndMag);
-    ui->pushButton_mag->setVisible(hasBaroAndMag);
-    ui->pushButton_temper->setVisible(model != 1);
+    ui->pushButton_baro->setVisible(model.barometer);
+    ui->pushButton_mag->setVisible(model.magnetometer);
+    ui->pushButton_temper->setVisible(model.temperatures);
 }
+
+// A camera without motion sensors: an empty accelerometer chart over ten seconds.
+void MainWindow::showEmptyChart() {
+    ui->comboBox_time_range->setEnabled(false);
+    ui->frame_data_options->setEnabled(false);
+    initCharts();
+    DataPlot* plot = ui->widget_chart;
+    const SensorSeries& series = session.series();
+    const float range = session.levels().accRange;
+    plot->updateData(DataPlot::ACC_X, series.imuTime, series.accX, false);
+    plot->updateData(DataPlot::ACC_Y, series.imuTime, series.accY, false);
+    plot->updateData(DataPlot::ACC_Z, series.imuTime, series.accZ, false);
+    plot->setValRange(-range, range, false);
+    plot->setTimeRange(0, 10, false);
+    plot->replot();
+}
+
+// ---- closing ----------------------------------------------------------------------------------
 
 void MainWindow::restartDetection() {
     reset();
     discardTimer(detectTimer);
-    detectTimer = makeTimer(200, &MainWindow::detectMultipleDevice);
+    detectTimer = makeTimer(kDetectPeriodMs, &MainWindow::detectMultipleDevice);
 }
 
 void MainWindow::reset() {
     disconnectSignals();
     stopViewTimers();
-    QThread::msleep(100);
-    stopSampling();
-    releaseInput();
-    for (int i = 7; i <= 12; ++i) ProgramStates::setIntAttr(i, 0);
+    QThread::msleep(kSettleMs);
+    session.close();
+    for (IntSlot slot : {IntSlot::IMAGE_WIDTH, IntSlot::IMAGE_HEIGHT, IntSlot::GRAB_WIDTH,
+                         IntSlot::GRAB_HEIGHT, IntSlot::RATE_PERCENT_11, IntSlot::RATE_PERCENT_12})
+        ProgramStates::setIntAttr(slot, 0);
     ui->comboBox_time_range->clear();
     on_pushButton_accel_clicked(true);
     ui->pushButton_accel->setChecked(true);
@@ -253,7 +255,6 @@ void MainWindow::reset() {
 void MainWindow::cameraDisconnected() {
     noCamera = true;
     if (recording) stopRecording();
-    ++inputGeneration;
     disconnectSignals();
     stopViewTimers();
     discardTimer(detectTimer);
@@ -261,23 +262,18 @@ void MainWindow::cameraDisconnected() {
     displayDefaultValues();
     initCharts();
     if (detectMultipleDevice() == 0)
-        detectTimer = makeTimer(200, &MainWindow::detectMultipleDevice);
+        detectTimer = makeTimer(kDetectPeriodMs, &MainWindow::detectMultipleDevice);
 }
 
 void MainWindow::updateImages() {
     ++imageFrameCount;
-    withInput([this](InputThreadModul& module) {
-        if (module.getModel() != 0) return;
+    InputThreadModul* module = session.input();
+    if (module != nullptr && !session.model().imu) {
         // Without motion sensors the image clock is the only time base.
-        static bool haveOrigin = false;
-        static bw::Timestamp originUs = 0;
         const bw::Timestamp nowUs =
-            module.stereoCamera().getTimestamp(bw::TIME_REFERENCE::IMAGE) / 1000;
-        if (!haveOrigin) {
-            haveOrigin = true;
-            originUs = nowUs;
-        }
-        levels.currentTime = static_cast<double>(nowUs - originUs) / 1e6;
-    });
+            module->stereoCamera().getTimestamp(bw::TIME_REFERENCE::IMAGE) / 1000;
+        if (!imageTimeOriginUs) imageTimeOriginUs = nowUs;
+        session.setCurrentTime(static_cast<double>(nowUs - *imageTimeOriginUs) / 1e6);
+    }
     ui->widget_3d_view->requestFrame();
 }

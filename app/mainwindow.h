@@ -1,6 +1,7 @@
-// The application's single window: lists the cameras, opens the chosen one, runs the sampling
-// thread and the timers that redraw the views, and tears all of it down again when the camera
-// goes away or the window closes.
+// The application's single window: lists the cameras, opens the chosen one through the camera
+// session, and drives the timers that redraw the chart, the readout and the orientation view.
+// What lives as long as the open camera (input module, sampling thread, sample series) belongs
+// to the session; the window is the glue between it and the widgets.
 #pragma once
 
 #include <QDir>
@@ -9,17 +10,20 @@
 #include <QVector>
 #include <atomic>
 #include <bw/sensors.hpp>
+#include <chrono>
 #include <cstdint>
 #include <mutex>
-#include <thread>
+#include <optional>
 
 #include "DetectionThread.h"
-#include "InputThreadModul.h"
+#include "LiveCameraSession.h"
 #include "SampleIngest.h"
 #include "SensorSamples.h"
+#include "SensorTable.h"
 #include "csvwriter.h"
 #include "recoptions.h"
 
+class InputThreadModul;
 class QTimer;
 class Style;
 
@@ -34,13 +38,14 @@ public:
     explicit MainWindow(QWidget* parent = nullptr);
     ~MainWindow() override;
 
-    // For tests and the views: the sample state and the open camera.
-    SensorSeries& sampleSeries() { return series; }
-    const SensorLevels& sampleLevels() const { return levels; }
-    std::mutex& sampleMutex() { return dataMutex; }
-    InputThreadModul* input() const { return inputModule.load(); }
-    bool isSampling() const { return dataThreadRunning.load(); }
-    bool hasNoCamera() const { return noCamera.load(); }
+    // For tests, tools and benchmarks: the open camera and its samples.
+    LiveCameraSession& cameraSession() { return session; }
+    InputThreadModul* input() const { return session.input(); }
+    bool isSampling() const { return session.isSampling(); }
+    bool hasNoCamera() const { return noCamera || session.isLost(); }
+    SensorSeries& sampleSeries() { return session.series(); }
+    const SensorLevels& sampleLevels() const { return session.levels(); }
+    std::mutex& sampleMutex() { return session.seriesMutex(); }
     bool isDetecting() const { return detectTimer != nullptr; }
     Ui::MainWindow* form() const { return ui; }
     DetectionThread& detector() { return detectionThread; }
@@ -49,7 +54,8 @@ public:
     const QLabel& freeSpaceLabel() const { return statusLabel; }
     QString recordingPath() const { return csvWriter.fileName(); }
     void setFreeSpace(double gigabytes, const QString& path);
-    const QString& shownSensor() const { return currentSensorName; }
+    // The name of the sensor shown ("Accelerometer", ...), empty before one is chosen.
+    QString shownSensor() const;
 
 public slots:
     void setContext();
@@ -71,87 +77,88 @@ public slots:
     void on_pushButton_rec_option_clicked();
     void on_pushButton_calib_mag_clicked();
     void on_toolButton_save_clicked(bool checked);
-    void saveValues(int row);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    // Runs fn on the open camera's module, if any. The sampling thread may release the module
-    // when the camera is lost; holding inputLifetime keeps it alive meanwhile.
-    template <typename Fn>
-    void withInput(Fn fn) {
-        std::lock_guard<std::mutex> lock(inputLifetime);
-        if (InputThreadModul* module = inputModule.load()) fn(*module);
-    }
-
-    void applyStyle();
+    // Opening and closing the camera.
     void createLiveInput();
-    int openSelectedCamera();
-    void startSensorViews(unsigned model);
+    void resetCameraStates();
+    void fillTimeRanges();
+    void warnAboutOldFirmware();
+    void startSensorViews(const ModelInfo& model);
+    void showEmptyChart();
     void restartDetection();
     void reset();
-    void stopViewTimers();
-    void discardTimer(QTimer*& timer);
-    void stopSampling();
-    void releaseInput();
     void connectSignals();
     void disconnectSignals();
     void displayDefaultValues();
-    void initCharts();
-    void changeSensor(const QString& name);
-    void updateChartTimeSize();
-    void feedChart(int imuStart);
-    void selectSensor(const QString& name, const QString& typeText, const QString& topText);
-    int updateDeviceList(bool keepCurrent);
-    void dataThreadFunc();
-    void stopRecording();
-    void printDiskFreeSpace();
-    // Rows of a recording, asked for by the sampling thread.
-    bool isRecording() const override { return recording; }
-    double rowsPerSecond() const override;
-    void saveRow(int row) override;
-    void showMessage(int icon, const QString& title, const QString& text);
+
+    // Timers; each is created when needed and discarded rather than stopped.
     template <typename Slot>
     QTimer* makeTimer(int periodMs, Slot slot);
+    void discardTimer(QTimer*& timer);
+    void startViewTimers();
+    void stopViewTimers();
+
+    // Camera list.
+    int updateDeviceList(bool keepCurrent);
+    void listCamera(const LiveCameraSession::Camera& camera, const QString& modelName);
+
+    // Chart and readout.
+    void applyStyle();
+    void initCharts();
+    void selectSensor(Sensor sensor);
+    void changeSensor(std::optional<Sensor> sensor);
+    void setValueAxis(const SensorInfo& info, double margin);
+    void updateChartTimeSize();
+    void feedChart(Sensor sensor, int imuStart);
+    void showReadout(Sensor sensor);
+
+    // Recording. The sampling thread asks whether and which rows to write.
+    void stopRecording();
+    void printDiskFreeSpace();
+    bool isRecording() const override { return recording; }
+    double rowsPerSecond() const override;
+    void saveRow(int row, const bw::SensorsData& latest) override;
+    void saveValues(int row, const bw::SensorsData& latest);
+
+    void showMessage(int icon, const QString& title, const QString& text);
 
     Ui::MainWindow* ui = nullptr;
-    QVector<std::uint32_t> deviceIds, deviceSerials, deviceModels;
-    std::uint32_t selectedId = 0, selectedSerial = 0;
-    QString selectedModelName;
-    std::uint32_t selectedModel = 0;
+    Style* style = nullptr;
+
     QTimer* imageTimer = nullptr;
     QTimer* detectTimer = nullptr;
     QTimer* plotTimer = nullptr;
     QTimer* displayTimer = nullptr;
     int plotPeriodMs = 15;
     int displayPeriodMs = 25;
-    std::mutex dataMutex;
-    std::atomic<InputThreadModul*> inputModule{nullptr};
-    std::mutex inputLifetime;
-    int inputGeneration = 0;  // which module's loss reports still count
-    int imageFrameCount = 0;
-    SensorSeries series;
-    SensorLevels levels;
-    bw::SensorsData sensorsData;
-    double imuNominalRate = 400.0, magNominalRate = 50.0, baroNominalRate = 25.0;
-    int imuPlotRate = 400, magPlotRate = 50, baroPlotRate = 25;
-    int timeRange = 5;                                 // seconds shown by the chart
+
+    // One entry per item of the camera list, and the camera being opened.
+    QVector<LiveCameraSession::Camera> listedCameras;
+    LiveCameraSession::Camera selected;
+    QString selectedModelName;
+    bool detecting = false;      // the camera list is being rebuilt
+    bool noCamera = true;        // searching for cameras
+    bool openingCamera = false;  // createLiveInput is running, possibly inside a message box
+    DetectionThread detectionThread;
+    LiveCameraSession session{detectionThread.mutex()};
+
+    std::optional<Sensor> shown;  // none until a sensor is chosen; drawn as the accelerometer
+    int timeRange = 5;            // seconds shown by the chart
     QVector<double> plotTime, plotY0, plotY1, plotY2;  // what the last chart update handed over
-    std::thread* dataThread = nullptr;
-    std::atomic<bool> stopDataThread{true};
-    std::atomic<bool> dataThreadRunning{false};
-    std::atomic<bool> noCamera{true};
-    bool detecting = false;
-    bool openingCamera = false;  // createLiveInput is running (possibly inside a message box)
-    Style* style = nullptr;
-    QLabel statusLabel;
+    std::chrono::steady_clock::time_point lastDisplayUpdate;
+    int imageFrameCount = 0;
+    // Cameras without motion sensors: the image clock's first reading is the time origin.
+    std::optional<bw::Timestamp> imageTimeOriginUs;
+
     std::atomic<bool> recording{false};
     CsvWriter csvWriter;
     QDir recordDir;
-    QString currentSensorName = QStringLiteral("Accelerometer");
     RecOptions recOptions;
+    QLabel statusLabel;
     int sensorRatePercent = 100;  // copied into the state store when a camera opens
     int streamQuality = 7;        // likewise
-    DetectionThread detectionThread;
 };

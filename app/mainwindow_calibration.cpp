@@ -4,7 +4,7 @@
 #include "mainwindow.h"
 
 void MainWindow::on_pushButton_calib_mag_clicked() {
-    const std::uint32_t serial = selectedSerial;
+    const std::uint32_t serial = selected.serial;
     reset();
     displayDefaultValues();
     initCharts();

@@ -1,7 +1,7 @@
 // The chart: which sensor it shows, over how long a stretch of time, fed from the series.
 #include <QTimer>
 
-#include "ChartWindow.h"
+#include "ChartSpan.h"
 #include "DataPlot.h"
 #include "mainwindow.h"
 #include "style.h"
@@ -9,66 +9,68 @@
 
 namespace {
 
+constexpr int kReservedRows = 24000;
+constexpr double kMarginWhenChosen = 1.1;
+constexpr double kMarginWhenFed = 1.05;
+
 QVector<double> tail(const QVector<double>& series, int start) { return series.mid(start); }
 
 }  // namespace
 
 void MainWindow::initCharts() {
-    {
-        std::lock_guard<std::mutex> lock(dataMutex);
-        series.clear();
-        series.reserve(24000);
-    }
+    session.clearSeries(kReservedRows);
     DataPlot* plot = ui->widget_chart;
     plot->setAutoReplot(false);
     for (int i = 0; i < DataPlot::curveCount; ++i)
         plot->updateData(static_cast<DataPlot::DataType>(i), {}, {}, false);
     plot->replot();
-    changeSensor(QString());
+    changeSensor(std::nullopt);
 }
 
-void MainWindow::changeSensor(const QString& name) {
-    currentSensorName = name;
-    ui->lineEdit_value_0->setStyleSheet(style->valueX);
-    ui->lineEdit_value_1->show();
-    ui->lineEdit_value_1->setStyleSheet(style->valueY);
-    ui->lineEdit_value_2->show();
-    ui->lineEdit_value_2->setStyleSheet(style->valueZ);
-    ui->pushButton_calib_mag->hide();
-    DataPlot* plot = ui->widget_chart;
-    const auto symmetric = [plot](DataPlot::SensorType type, float range) {
-        plot->setSensorType(type);
-        plot->setValRange(-1.1 * range, 1.1 * range, false);
-    };
-    if (name == QLatin1String("Accelerometer")) {
-        symmetric(DataPlot::ACCELEROMETER, levels.accRange);
-    } else if (name == QLatin1String("Gyroscope")) {
-        symmetric(DataPlot::GYROSCOPE, levels.gyroRange);
-    } else if (name == QLatin1String("Magnetometer")) {
-        symmetric(DataPlot::MAGNETOMETER, levels.magRange);
-        ui->pushButton_calib_mag->show();
-    } else if (name == QLatin1String("Orientation")) {
-        symmetric(DataPlot::ORIENTATION, levels.orientRange);
-    } else if (name == QLatin1String("Barometer")) {
-        plot->setSensorType(DataPlot::BAROMETER);
-        plot->setValRange(levels.pressureMin, levels.pressureMax, false);
-        ui->lineEdit_value_0->setStyleSheet(style->valueSingle);
-        ui->lineEdit_value_1->hide();
-        ui->lineEdit_value_2->hide();
-    } else if (name == QLatin1String("Camera Temperature")) {
-        plot->setSensorType(DataPlot::TEMPERATURE);
-        plot->setValRange(levels.temperatureMin, levels.temperatureMax, false);
-        ui->lineEdit_value_0->setStyleSheet(style->valueY);
-        ui->lineEdit_value_1->setStyleSheet(style->valueZ);
-        ui->lineEdit_value_2->hide();
+QString MainWindow::shownSensor() const {
+    return shown ? QString::fromLatin1(sensorInfo(*shown).labels.name) : QString();
+}
+
+// Without a sensor the plot keeps its type and the fields their default colours.
+void MainWindow::changeSensor(std::optional<Sensor> sensor) {
+    shown = sensor;
+    QLineEdit* fields[3] = {ui->lineEdit_value_0, ui->lineEdit_value_1, ui->lineEdit_value_2};
+    QString Style::*const defaultStyles[3] = {&Style::valueX, &Style::valueY, &Style::valueZ};
+    for (int i = 0; i < 3; ++i) {
+        fields[i]->setStyleSheet(style->*defaultStyles[i]);
+        fields[i]->show();
+    }
+    ui->pushButton_calib_mag->setVisible(sensor == Sensor::MAGNETOMETER);
+    if (sensor) {
+        const SensorInfo& info = sensorInfo(*sensor);
+        for (int i = 0; i < 3; ++i) {
+            if (info.readout.styles[i] == nullptr)
+                fields[i]->hide();
+            else
+                fields[i]->setStyleSheet(style->*info.readout.styles[i]);
+        }
+        ui->widget_chart->setSensorType(info.chart.plotType);
+        setValueAxis(info, kMarginWhenChosen);
     }
     updateChartTimeSize();
 }
 
+// Symmetric sensors get the margin around their largest reading; the others span their running
+// minimum and maximum as they are.
+void MainWindow::setValueAxis(const SensorInfo& info, double margin) {
+    const SensorLevels& levels = session.levels();
+    if (info.axis.largest != nullptr) {
+        const double range = margin * (levels.*info.axis.largest).load();
+        ui->widget_chart->setValRange(-range, range, false);
+    } else {
+        ui->widget_chart->setValRange((levels.*info.axis.minimum).load(),
+                                      (levels.*info.axis.maximum).load(), false);
+    }
+}
+
 void MainWindow::updateChartTimeSize() {
-    const int range = chart::timeRangeFromText(ui->comboBox_time_range->currentText(), tr("sec"),
-                                               tr("min"), tr("hours"));
-    if (range >= 0) timeRange = range;
+    const QVariant seconds = ui->comboBox_time_range->currentData();
+    if (seconds.isValid()) timeRange = seconds.toInt();
 }
 
 void MainWindow::on_comboBox_time_range_currentIndexChanged(const QString&) {
@@ -76,73 +78,67 @@ void MainWindow::on_comboBox_time_range_currentIndexChanged(const QString&) {
 }
 
 void MainWindow::updatePlot() {
-    std::lock_guard<std::mutex> lock(dataMutex);
+    std::lock_guard<std::mutex> lock(session.seriesMutex());
+    const SensorSeries& series = session.series();
     DataPlot* plot = ui->widget_chart;
     plot->setAutoReplot(false);
     if (series.accX.isEmpty()) return;
     plotTimer->stop();
 
-    const int start = chart::imuStartIndex(series.accX.size(), timeRange, imuPlotRate);
+    const int imuRate = sensorInfo(Sensor::ACCELEROMETER).chart.nominalRate;
+    const int start = chart::imuStartIndex(series.accX.size(), timeRange, imuRate);
     const int period = chart::refreshPeriodMs(series.accX.size() - start);
     if (period != plotPeriodMs) {
         plotPeriodMs = period;
         plotTimer->setInterval(plotPeriodMs);
     }
-    plotTime = tail(series.imuTime, start);
-    feedChart(start);
+    feedChart(shown.value_or(Sensor::ACCELEROMETER), start);
     plot->replot();
     plotTimer->start();
 }
 
-void MainWindow::feedChart(int start) {
-    DataPlot* plot = ui->widget_chart;
-    const auto setTime = [&] {
-        const chart::TimeAxis axis = chart::timeAxisFor(plotTime, timeRange);
-        plot->setTimeRange(axis.min, axis.max, false);
-    };
-    const auto threeAxes = [&](const QVector<double>& x, const QVector<double>& y,
-                               const QVector<double>& z, DataPlot::DataType first, float range) {
-        plotY0 = tail(x, start), plotY1 = tail(y, start), plotY2 = tail(z, start);
-        plot->updateData(first, plotTime, plotY0, false);
-        plot->updateData(static_cast<DataPlot::DataType>(first + 1), plotTime, plotY1, false);
-        plot->updateData(static_cast<DataPlot::DataType>(first + 2), plotTime, plotY2, false);
-        plot->setValRange(-1.05 * range, 1.05 * range, false);
-        setTime();
-    };
-    const QString& name = currentSensorName;
-    if (name == QLatin1String("Gyroscope")) {
-        threeAxes(series.gyroX, series.gyroY, series.gyroZ, DataPlot::GYR_X, levels.gyroRange);
-    } else if (name == QLatin1String("Magnetometer")) {
-        start = chart::eventStartIndex(series.magSampleX.size(), timeRange, magPlotRate);
-        plotTime = tail(series.magSampleTime, start);
-        threeAxes(series.magSampleX, series.magSampleY, series.magSampleZ, DataPlot::MAG_X,
-                  levels.magRange);
-    } else if (name == QLatin1String("Orientation")) {
-        threeAxes(series.orientX, series.orientY, series.orientZ, DataPlot::OR_X,
-                  levels.orientRange);
-    } else if (name == QLatin1String("Barometer")) {
-        start = chart::eventStartIndex(series.baroSamplePressure.size(), timeRange, baroPlotRate);
-        plotY0 = tail(series.baroSamplePressure, start);
-        plotTime = tail(series.baroSampleTime, start);
-        setTime();
-        plot->updateData(DataPlot::REL_ALTITUDE, plotTime, plotY0, false);
-        plot->setValRange(levels.pressureMin, levels.pressureMax, false);
-        // Also handed to the hidden left-temperature curve; the next temperature update
-        // replaces it.
-        plot->updateData(DataPlot::TEMP_LEFT, plotTime, plotY0, false);
-    } else if (name == QLatin1String("Camera Temperature")) {
-        const bool fallback = series.baroSampleTime.isEmpty();
-        const QVector<double>& time = fallback ? series.tempFallbackTime : series.baroSampleTime;
-        start =
-            chart::eventStartIndex(time.size(), timeRange, fallback ? imuPlotRate : baroPlotRate);
-        plotY0 = tail(series.tempSampleLeft, start);
-        plotY1 = tail(series.tempSampleRight, start);
-        plotTime = tail(time, start);
-        setTime();
-        plot->updateData(DataPlot::TEMP_LEFT, plotTime, plotY0, false);
-        plot->updateData(DataPlot::TEMP_RIGHT, plotTime, plotY1, false);
-        plot->setValRange(levels.temperatureMin, levels.temperatureMax, false);
-    } else {
-        threeAxes(series.accX, series.accY, series.accZ, DataPlot::ACC_X, levels.accRange);
+// Hands the chart the newest stretch of the sensor's series; the caller holds the series lock.
+void MainWindow::feedChart(Sensor sensor, int imuStart) {
+    const SensorSeries& series = session.series();
+    const SensorInfo& info = sensorInfo(sensor);
+    const SensorChart& chart = info.chart;
+
+    const QVector<double>* time = &series.imuTime;
+    int start = imuStart;
+    int rate = chart.nominalRate;
+    switch (chart.timeBase) {
+        case TimeBase::IMU:
+            break;
+        case TimeBase::MAGNETOMETER:
+            time = &series.magSampleTime;
+            break;
+        case TimeBase::BAROMETER:
+            time = &series.baroSampleTime;
+            break;
+        case TimeBase::TEMPERATURE:
+            // Cameras without barometer samples read their temperatures with every IMU sample.
+            if (series.baroSampleTime.isEmpty()) {
+                time = &series.tempFallbackTime;
+                rate = sensorInfo(Sensor::ACCELEROMETER).chart.nominalRate;
+            } else {
+                time = &series.baroSampleTime;
+            }
+            break;
     }
+    if (chart.timeBase != TimeBase::IMU)
+        start = chart::eventStartIndex(time->size(), timeRange, rate);
+
+    plotTime = tail(*time, start);
+    QVector<double>* values[3] = {&plotY0, &plotY1, &plotY2};
+    DataPlot* plot = ui->widget_chart;
+    for (int i = 0; i < 3 && chart.curves[i] != nullptr; ++i) {
+        *values[i] = tail(series.*chart.curves[i], start);
+        plot->updateData(static_cast<DataPlot::DataType>(chart.firstCurve + i), plotTime,
+                         *values[i], false);
+    }
+    // Also handed to the hidden left-temperature curve; the next temperature update replaces it.
+    if (sensor == Sensor::BAROMETER) plot->updateData(DataPlot::TEMP_LEFT, plotTime, plotY0, false);
+    setValueAxis(info, kMarginWhenFed);
+    const chart::TimeAxis axis = chart::timeAxisFor(plotTime, timeRange);
+    plot->setTimeRange(axis.min, axis.max, false);
 }

@@ -6,40 +6,26 @@
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
 
-namespace {
-
-QString itemText(const QString& modelName, std::uint32_t serial) {
-    return QStringLiteral("%1 - %3").arg(modelName).arg(serial);
+void MainWindow::listCamera(const LiveCameraSession::Camera& camera, const QString& modelName) {
+    listedCameras.append(camera);
+    ui->comboBox_camera_list->addItem(QStringLiteral("%1 - %3").arg(modelName).arg(camera.serial));
 }
 
-}  // namespace
-
 int MainWindow::updateDeviceList(bool keepCurrent) {
-    deviceIds.clear();
-    deviceSerials.clear();
-    deviceModels.clear();
+    listedCameras.clear();
     detecting = true;
     ui->comboBox_camera_list->clear();
-    if (keepCurrent) {
-        deviceIds.append(selectedId);
-        deviceSerials.append(selectedSerial);
-        deviceModels.append(selectedModel);
-        ui->comboBox_camera_list->addItem(itemText(selectedModelName, selectedSerial));
-    }
+    if (keepCurrent) listCamera(selected, selectedModelName);
     // The list shown is the previous poll's, so the window never waits for the camera layer.
     const std::vector<bw::DeviceProperties> devices = detectionThread.deviceList();
     detectionThread.start(QThread::InheritPriority);
-    int listed = 0;
     for (const bw::DeviceProperties& device : devices) {
-        if (device.camera_model == bw::MODEL::ORYX || device.serial_number == 0 ||
+        if (!modelInfo(device.camera_model).isListed() || device.serial_number == 0 ||
             device.camera_state != bw::CAMERA_STATE::AVAILABLE)
             continue;
-        deviceIds.append(static_cast<std::uint32_t>(device.id));
-        deviceSerials.append(device.serial_number);
-        deviceModels.append(static_cast<std::uint32_t>(device.camera_model));
-        ++listed;
-        ui->comboBox_camera_list->addItem(
-            itemText(QString::fromLatin1(bw::toString(device.camera_model)), device.serial_number));
+        listCamera({static_cast<std::uint32_t>(device.id), device.serial_number,
+                    static_cast<std::uint32_t>(device.camera_model)},
+                   QString::fromLatin1(bw::toString(device.camera_model)));
     }
     detecting = false;
     if (ui->comboBox_camera_list->count() > 0) ui->comboBox_camera_list->setCurrentIndex(0);
@@ -73,10 +59,9 @@ void MainWindow::on_comboBox_camera_list_currentIndexChanged(int) {
 }
 
 void MainWindow::on_pushButton_refresh_list_clicked() {
-    bool cameraOpen = false;
-    withInput([&cameraOpen](InputThreadModul& module) {
-        cameraOpen = module.isStereoOpen() || module.singleCamera().isOpened();
-    });
+    const InputThreadModul* module = session.input();
+    const bool cameraOpen =
+        module != nullptr && (module->isStereoOpen() || module->isSingleSensorOpen());
     if (cameraOpen)
         updateDeviceList(true);
     else

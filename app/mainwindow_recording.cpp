@@ -23,23 +23,17 @@ void MainWindow::on_toolButton_save_clicked(bool checked) {
         stopRecording();
         return;
     }
-    // The camera's facts are read under the module's lifetime lock: the sampling thread may
-    // release a camera that is pulled out at this very moment.
-    bool running = false;
-    QString model;
-    unsigned serial = 0;
-    withInput([&](InputThreadModul& module) {
-        running = module.isRunning();
-        model = QString::fromLatin1(bw::toString(static_cast<bw::MODEL>(module.getModel())));
-        serial = module.getSerialNum();
-    });
-    if (!running || recOptions.saveFolder.isEmpty()) {
+    const InputThreadModul* module = session.input();
+    if (module == nullptr || !module->isRunning() || recOptions.saveFolder.isEmpty()) {
         ui->toolButton_save->setChecked(false);
         return;
     }
     recordDir.setPath(recordingFolder(recOptions.saveFolder));
     printDiskFreeSpace();
-    const QString name = recordingFileName(QDateTime::currentDateTime(), model, serial);
+    const QString name = recordingFileName(
+        QDateTime::currentDateTime(),
+        QString::fromLatin1(bw::toString(static_cast<bw::MODEL>(module->getModel()))),
+        module->getSerialNum());
     // Raised before opening and left raised if the file does not open: rows then find no file.
     recording = true;
     if (!csvWriter.open(recordDir.filePath(name), recOptions)) {
@@ -70,13 +64,13 @@ void MainWindow::setFreeSpace(double gigabytes, const QString& path) {
 
 double MainWindow::rowsPerSecond() const { return recOptions.sampleFreq; }
 
-void MainWindow::saveRow(int i) { saveValues(i); }
+void MainWindow::saveRow(int row, const bw::SensorsData& latest) { saveValues(row, latest); }
 
-void MainWindow::saveValues(int i) {
-    // Runs on the sampling thread, which holds dataMutex and owns sensorsData.
-    InputThreadModul* module = inputModule.load();
+void MainWindow::saveValues(int i, const bw::SensorsData& latest) {
+    // Runs on the sampling thread, which holds the series lock; the module outlives the thread.
+    const InputThreadModul* module = session.input();
     if (module == nullptr || !csvWriter.isOpen() || !module->isRunning()) return;
-    const SensorSeries& s = series;
+    const SensorSeries& s = session.series();
     CsvRow row;
     row.index = i;
     row.imuTime = s.imuTime[i], row.magTime = s.magTime[i], row.baroTime = s.baroTime[i];
@@ -89,9 +83,9 @@ void MainWindow::saveValues(int i) {
     row.tempLeft = s.tempLeft[i], row.tempRight = s.tempRight[i];
     using Location = bw::SensorsData::TemperatureData::SENSOR_LOCATION;
     float celsius = 0.f;
-    if (sensorsData.temperature.get(Location::IMU, celsius) == bw::SUCCESS) row.tempImu = celsius;
+    if (latest.temperature.get(Location::IMU, celsius) == bw::SUCCESS) row.tempImu = celsius;
     celsius = 0.f;
-    if (sensorsData.temperature.get(Location::BAROMETER, celsius) == bw::SUCCESS)
+    if (latest.temperature.get(Location::BAROMETER, celsius) == bw::SUCCESS)
         row.tempBarometer = celsius;
     csvWriter.writeRow(row);
 }

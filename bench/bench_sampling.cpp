@@ -2,7 +2,7 @@
 //
 //   MemoryPerSampledHour     A simulated hour at 400 Hz on a free-running virtual clock: resident
 //                            bytes added, capacity of the series, peak resident size.
-//   SamplingThreadCpu        CPU time of a loop identical to the window's sampling thread
+//   SamplingThreadCpu        CPU time of the window's camera session's sampling thread
 //                            (getSensorsData + SampleIngest on a thread of its own), 400 Hz,
 //                            real time. Target: under 2 % of one core.
 //   GapFreeImuRate/<Hz>      The same loop at a raised IMU rate, real time; every interval of
@@ -87,12 +87,6 @@ double envSeconds(const char* name, double fallback) {
     return ok && value > 0.0 ? value : fallback;
 }
 
-double threadCpuSeconds() {
-    timespec ts{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-    return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
-}
-
 double processCpuSeconds() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
@@ -165,45 +159,53 @@ bw::sim::DeviceConfig oneCamera(double imuRateHz = kNominalRateHz) {
     return config;
 }
 
-bool openCamera(bw::Camera& camera, unsigned serial) {
-    bw::InitParameters parameters;
-    parameters.input.setFromSerialNumber(serial);
-    return camera.open(parameters) == bw::SUCCESS;
-}
+// The window's camera session on one simulated camera: the thread and the loop the window runs.
+class SamplingSession {
+public:
+    explicit SamplingSession(const bw::sim::DeviceConfig& camera)
+        : opened(session.open({static_cast<std::uint32_t>(camera.cameraId), camera.serial,
+                               static_cast<std::uint32_t>(camera.model)}) == bw::SUCCESS) {}
 
-struct SampleState {
-    SensorSeries series;
-    SensorLevels levels;
-    std::mutex mutex;
-};
+    bool isOpen() const { return opened; }
+    const SensorSeries& series() const { return session.series(); }
 
-// The body of the window's sampling thread for a stereo camera: read the current record, hand
-// it to SampleIngest, until asked to stop or the camera goes away.
-void samplingLoop(bw::Camera& camera, SampleState& state, const std::atomic<bool>& stop) {
-    SampleIngest ingest(state.series, state.levels, state.mutex);
-    bw::SensorsData data;
-    while (!stop.load()) {
-        if (camera.getSensorsData(data, bw::TIME_REFERENCE::CURRENT) == bw::CAMERA_NOT_DETECTED)
-            break;
-        ingest.ingest(data);
+    // Samples for `seconds` of wall time; returns the sampling thread's CPU seconds.
+    double sampleFor(double seconds) {
+        session.start();
+        const double before = samplingThreadCpu();
+        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+        const double cpu = samplingThreadCpu() - before;
+        session.close();
+        return cpu;
     }
-}
 
-// Runs samplingLoop on a thread of its own for the given wall time; returns that thread's CPU
-// seconds.
-double sampleOnOwnThread(bw::Camera& camera, SampleState& state, double seconds) {
-    std::atomic<bool> stop{false};
-    double cpu = 0.0;
-    std::thread sampler([&] {
-        const double start = threadCpuSeconds();
-        samplingLoop(camera, state, stop);
-        cpu = threadCpuSeconds() - start;
-    });
-    std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
-    stop = true;
-    sampler.join();
-    return cpu;
-}
+    // Samples until the series span `seconds` of camera time; polls rather than spins so that
+    // the sampling thread has the core.
+    void sampleUntilSpan(double seconds) {
+        session.start();
+        while (spannedSeconds() < seconds)
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        session.close();
+    }
+
+private:
+    double spannedSeconds() {
+        std::lock_guard<std::mutex> lock(session.seriesMutex());
+        const QVector<double>& time = session.series().imuTime;
+        return time.size() < 2 ? 0.0 : time.last() - time.first();
+    }
+
+    static double samplingThreadCpu() {
+        for (const auto& [tid, thread] : threadCpuTimes())
+            if (thread.name == QLatin1String(LiveCameraSession::kSamplingThreadName))
+                return thread.seconds;
+        return 0.0;
+    }
+
+    std::mutex cameraLayer;
+    LiveCameraSession session{cameraLayer};
+    bool opened;
+};
 
 // Intervals of a time series against a nominal period.
 struct Gaps {
@@ -237,24 +239,13 @@ void BM_MemoryPerSampledHour(benchmark::State& state) {
     bw::sim::Clock::setAutoAdvanceLimit(UINT64_MAX);
     const bw::sim::DeviceConfig config = oneCamera();
     bw::sim::Bus::instance().load({config});
-    bw::Camera camera;
-    if (!openCamera(camera, config.serial)) return state.SkipWithError("camera did not open");
     const bool peakReset = resetPeakResident();
-    auto samples = std::make_unique<SampleState>();
+    auto sampling = std::make_unique<SamplingSession>(config);
+    if (!sampling->isOpen()) return state.SkipWithError("camera did not open");
     const double before = residentBytes();
-    for (auto _ : state) {
-        SampleIngest ingest(samples->series, samples->levels, samples->mutex);
-        bw::SensorsData data;
-        std::uint64_t first = 0;
-        while (first == 0 || data.imu.timestamp - first < 3'600'000'000'000ull) {
-            camera.getSensorsData(data, bw::TIME_REFERENCE::CURRENT);
-            ingest.ingest(data);
-            if (first == 0) first = data.imu.timestamp;
-        }
-    }
+    for (auto _ : state) sampling->sampleUntilSpan(3600.0);
     const double added = residentBytes() - before;
-    camera.close();
-    const SensorSeries& s = samples->series;
+    const SensorSeries& s = sampling->series();
     const Gaps gaps = findGaps(s.imuTime, 1.0 / kNominalRateHz);
     state.counters["rows"] = gaps.rows;
     state.counters["missing"] = static_cast<double>(gaps.missing);
@@ -273,14 +264,12 @@ void BM_SamplingThreadCpu(benchmark::State& state) {
     bw::sim::Clock::useRealTime();
     const bw::sim::DeviceConfig config = oneCamera();
     bw::sim::Bus::instance().load({config});
-    bw::Camera camera;
-    if (!openCamera(camera, config.serial)) return state.SkipWithError("camera did not open");
+    SamplingSession sampling(config);
+    if (!sampling.isOpen()) return state.SkipWithError("camera did not open");
     const double seconds = envSeconds("ORYX_BENCH_SECONDS", 20.0);
-    SampleState samples;
     double cpu = 0.0;
-    for (auto _ : state) cpu = sampleOnOwnThread(camera, samples, seconds);
-    camera.close();
-    const Gaps gaps = findGaps(samples.series.imuTime, 1.0 / kNominalRateHz);
+    for (auto _ : state) cpu = sampling.sampleFor(seconds);
+    const Gaps gaps = findGaps(sampling.series().imuTime, 1.0 / kNominalRateHz);
     state.counters["cpu_pct_of_core"] = 100.0 * cpu / seconds;
     state.counters["cpu_us_per_row"] = 1e6 * cpu / std::max(1, gaps.rows);
     state.counters["rows_per_s"] = gaps.rows / seconds;
@@ -295,14 +284,12 @@ void BM_GapFreeImuRate(benchmark::State& state) {
     bw::sim::Clock::useRealTime();
     const bw::sim::DeviceConfig config = oneCamera(rate);
     bw::sim::Bus::instance().load({config});
-    bw::Camera camera;
-    if (!openCamera(camera, config.serial)) return state.SkipWithError("camera did not open");
+    SamplingSession sampling(config);
+    if (!sampling.isOpen()) return state.SkipWithError("camera did not open");
     const double seconds = envSeconds("ORYX_BENCH_RATE_SECONDS", 3.0);
-    SampleState samples;
     double cpu = 0.0;
-    for (auto _ : state) cpu = sampleOnOwnThread(camera, samples, seconds);
-    camera.close();
-    const Gaps gaps = findGaps(samples.series.imuTime, 1.0 / rate);
+    for (auto _ : state) cpu = sampling.sampleFor(seconds);
+    const Gaps gaps = findGaps(sampling.series().imuTime, 1.0 / rate);
     gapFreeByRate[rate] = gaps.tooLong == 0 && gaps.rows > 1;
     state.counters["gap_free"] = gapFreeByRate[rate] ? 1.0 : 0.0;
     state.counters["rows_per_s"] = gaps.rows / seconds;
@@ -442,26 +429,13 @@ BENCHMARK(BM_TenMinutesSixtySecondChart)->Iterations(1)->Unit(benchmark::kSecond
 
 // ---- Whole-process CPU with the 60 s chart, real time -------------------------------------------
 
-// CPU seconds, over a span, of the threads that the window started and left unnamed: the
-// sampling std::thread (Qt names its own threads after their class).
-double unnamedNewThreadsCpu(const std::map<int, ThreadCpu>& beforeWindow,
-                            const std::map<int, ThreadCpu>& from,
-                            const std::map<int, ThreadCpu>& to) {
-    const QString processName = to.count(getpid()) ? to.at(getpid()).name : QString();
+// CPU seconds, over a span, of the threads whose name starts with `prefix`: the sampling thread,
+// Mesa's llvmpipe rasteriser threads (llvmpipe-0, llvmpipe-1, ...).
+double threadsCpu(const std::map<int, ThreadCpu>& from, const std::map<int, ThreadCpu>& to,
+                  const QString& prefix) {
     double cpu = 0.0;
     for (const auto& [tid, thread] : to) {
-        if (tid == getpid() || beforeWindow.count(tid) || thread.name != processName) continue;
-        cpu += thread.seconds - (from.count(tid) ? from.at(tid).seconds : 0.0);
-    }
-    return cpu;
-}
-
-// CPU seconds, over a span, of Mesa's llvmpipe rasteriser threads (llvmpipe-0, llvmpipe-1, ...).
-double rasteriserThreadsCpu(const std::map<int, ThreadCpu>& from,
-                            const std::map<int, ThreadCpu>& to) {
-    double cpu = 0.0;
-    for (const auto& [tid, thread] : to) {
-        if (!thread.name.startsWith(QLatin1String("llvmpipe"))) continue;
+        if (!thread.name.startsWith(prefix)) continue;
         cpu += thread.seconds - (from.count(tid) ? from.at(tid).seconds : 0.0);
     }
     return cpu;
@@ -473,7 +447,6 @@ void BM_ProcessCpuSixtySecondChart(benchmark::State& state, RenderPath path) {
     bw::sim::Clock::useRealTime();
     bw::sim::Bus::instance().load({oneCamera()});
     installRenderSettings(RenderSettings::forPath(path));
-    const std::map<int, ThreadCpu> beforeWindow = threadCpuTimes();
     std::unique_ptr<MainWindow> window = openWindowWithMinuteChart();
     if (!window) return state.SkipWithError("the window did not start sampling the chart");
     runEventsFor(seconds);  // warm-up: the chart fills its window
@@ -492,9 +465,9 @@ void BM_ProcessCpuSixtySecondChart(benchmark::State& state, RenderPath path) {
     state.counters["process_cpu_pct_of_core"] = processCpuByPath[path];
     state.counters["gui_thread_cpu_pct"] = 100.0 * guiCpu / wall;
     state.counters["llvmpipe_threads_cpu_pct"] =
-        100.0 * rasteriserThreadsCpu(threadsFrom, threadsTo) / wall;
+        100.0 * threadsCpu(threadsFrom, threadsTo, QStringLiteral("llvmpipe")) / wall;
     state.counters["sampling_thread_cpu_pct"] =
-        100.0 * unnamedNewThreadsCpu(beforeWindow, threadsFrom, threadsTo) / wall;
+        100.0 * threadsCpu(threadsFrom, threadsTo, LiveCameraSession::kSamplingThreadName) / wall;
     state.counters["sampled_s_per_s"] = (sampledSeconds(*window) - sampledFrom) / wall;
     state.counters["redraws_per_s"] = paints.paints / wall;
     state.counters["view3d_frames_per_s"] = viewFrames.paints / wall;

@@ -3,7 +3,7 @@
 // checked on the main window.
 #include <QtTest>
 
-#include "ChartWindow.h"
+#include "ChartSpan.h"
 #include "SensorReadout.h"
 
 namespace {
@@ -58,7 +58,6 @@ private slots:
             QTest::newRow(sensor) << QString(sensor) << QString::fromUtf8(texts);
         };
         row("Accelerometer", "X 9.810 m/s²|Y 0.500 m/s²|Z -0.250 m/s²|400 Hz");
-        row("Sonar", "X 9.810 m/s²|Y 0.500 m/s²|Z -0.250 m/s²|400 Hz");  // reads as accelerometer
         row("Gyroscope", "X 1.500 °/s|Y -12.345 °/s|Z 0.000 °/s|400 Hz");
         row("Magnetometer", "X 21.000 µT|Y -3.063 µT|Z -42.500 µT|50 Hz");
         row("Orientation", "X -179.500°|Y 0.001°|Z 45.000°|400 Hz");
@@ -74,7 +73,7 @@ private slots:
         levels.imuEffectiveRate = 400.4;
         levels.magEffectiveRate = 49.7;
         levels.baroEffectiveRate = 25.2;
-        const SensorReadout r = readoutFor(sensor, oneRow(), levels);
+        const SensorReadout r = readoutFor(*sensorNamed(sensor), oneRow(), levels);
         QCOMPARE(QStringList({r.fields[0], r.fields[1], r.fields[2], r.rate}).join('|'), texts);
     }
 
@@ -83,8 +82,8 @@ private slots:
         s.accX = {0.5};
         s.pressure = {5.5};
         SensorLevels levels;
-        QCOMPARE(readoutFor("Accelerometer", s, levels).fields[0], QString("X 0.500 m/s²"));
-        QCOMPARE(readoutFor("Barometer", s, levels).fields[0],
+        QCOMPARE(readoutFor(Sensor::ACCELEROMETER, s, levels).fields[0], QString("X 0.500 m/s²"));
+        QCOMPARE(readoutFor(Sensor::BAROMETER, s, levels).fields[0],
                  QString("Atmospheric Pressure    5.50 hPa"));
     }
 
@@ -125,21 +124,6 @@ private slots:
         QFETCH(int, count);
         QFETCH(int, period);
         QCOMPARE(chart::refreshPeriodMs(count), period);
-    }
-
-    void timeRangeFromTheComboText_data() {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("seconds");
-        QTest::newRow("5 sec") << "Last 5 sec" << 5;
-        QTest::newRow("minutes") << "Last 2 min" << 120;
-        QTest::newRow("unknown unit") << "Last 7 fortnights" << 7;
-        QTest::newRow("unit case matters") << "Last 3 MIN" << 3;
-        QTest::newRow("empty") << "" << -1;
-    }
-    void timeRangeFromTheComboText() {
-        QFETCH(QString, text);
-        QFETCH(int, seconds);
-        QCOMPARE(chart::timeRangeFromText(text, "sec", "min", "hours"), seconds);
     }
 };
 

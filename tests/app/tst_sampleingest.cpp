@@ -31,7 +31,7 @@ struct CountingRecorder : RowRecorder {
     QVector<int> rows;
     bool isRecording() const override { return true; }
     double rowsPerSecond() const override { return frequency; }
-    void saveRow(int row) override { rows.append(row); }
+    void saveRow(int row, const bw::SensorsData&) override { rows.append(row); }
 };
 
 }  // namespace

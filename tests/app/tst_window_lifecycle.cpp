@@ -10,6 +10,7 @@
 #include "MessageBoxWatcher.h"
 #include "SimulatedCameras.h"
 #include "WidgetTestMain.h"
+#include "InputThreadModul.h"
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
 

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "RenderSettings.h"
+#include "WidgetTestMain.h"
 #include "RendererProbe.h"
 
 Q_DECLARE_METATYPE(RenderPath)
@@ -113,5 +114,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TstRenderSettings)
+WIDGET_TEST_MAIN(TstRenderSettings)
 #include "tst_rendersettings.moc"
