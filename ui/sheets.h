@@ -23,7 +23,8 @@ QString charcoalBase();
 QString slider();
 QString menu();
 QString labelPlain();
-QString tabWidget();  // %1: tab width in pixels
+QString labelOnColour();  // %1: background colour
+QString tabWidget();      // %1: tab width in pixels
 QString listWidget();
 QString frameRounded();
 QString frameBare();

@@ -90,6 +90,7 @@ Style::Style() : fontSize(10) {
     spinBox = sheet::spinBox();
     spinBoxDark = sheet::spinBoxDark();
     labelPlain = sheet::labelPlain();
+    labelOnColour = sheet::labelOnColour();
     radioButton = sheet::radioButton();
     tabWidget = sheet::tabWidget();
     listWidget = sheet::listWidget();

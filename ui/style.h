@@ -73,7 +73,8 @@ public:
     QString spinBox;
     QString spinBoxDark;
 
-    QString labelPlain;  // for setStyleSheet on one label: no selector
+    QString labelPlain;     // for setStyleSheet on one label: no selector
+    QString labelOnColour;  // likewise, black text; %1: background colour, e.g. "rgb(r,g,b)"
     QString radioButton;
     QString tabWidget;  // %1: tab width in pixels
     QString listWidget;

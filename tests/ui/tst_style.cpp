@@ -2,9 +2,9 @@
 #include <QtWidgets>
 #include <iterator>
 
+#include "WidgetTestMain.h"
 #include "palette.h"
 #include "style.h"
-#include "WidgetTestMain.h"
 
 namespace {
 
@@ -57,6 +57,7 @@ const SheetField kSheets[] = {
     &Style::spinBox,
     &Style::spinBoxDark,
     &Style::labelPlain,
+    &Style::labelOnColour,
     &Style::radioButton,
     &Style::tabWidget,
     &Style::listWidget,
