@@ -1,6 +1,7 @@
 // The magnetometer calibration dialog as a user sees it, opened from the main window on a
 // simulated camera whose stored calibration the device rates GOOD, OK or NOT GOOD: the status
-// label in the quality colour with black text, read from pictures of the whole dialog.
+// label in the quality colour with black text, and the two compass faces, read from pictures of
+// the whole dialog.
 #include <QLabel>
 #include <QPushButton>
 #include <QtTest>
@@ -49,6 +50,15 @@ bw::_imu_pose_data deviceRating(unsigned serial) {
     if (!mcu || mcu->startCapture(0.f) != 0) return {};
     bw::sim::Clock::advanceBy(50'000'000ull);
     return mcu->getIMUPose(6);
+}
+
+// The face of a compass: the colour that covers most of the disc inside its scale, around the
+// needle.
+QColor faceColour(const QImage& compass) {
+    const int side = std::min(compass.width(), compass.height());
+    const QRect inner(compass.width() / 2 - side / 5, compass.height() / 2 - side / 5,
+                      2 * (side / 5), 2 * (side / 5));
+    return composed::dominantColour(compass.copy(inner));
 }
 
 QString describe(const QColor& c) {
@@ -129,6 +139,24 @@ private slots:
                 QVERIFY2(composed::distance(ink, Qt::black) <= 30, qPrintable(seen));
             }
         });
+    }
+
+    void compassFacesAreDarkBlueAndDarkRed() {
+        const bw::sim::DeviceConfig camera = simulatedCamera(bw::MODEL::ORYX_D);
+        PacedVirtualTime time({camera});
+        inDialog(
+            "MAG. NOT CALIBRATED", [](MagCalibDlg& dialog, const QVector<composed::Shot>& shots) {
+                for (const composed::Shot& shot : shots) {
+                    const QColor raw = faceColour(composed::region(
+                        shot.image, &dialog, composed::named(&dialog, "widget_raw_compass")));
+                    const QColor calibrated = faceColour(composed::region(
+                        shot.image, &dialog, composed::named(&dialog, "widget_calib_compass")));
+                    QVERIFY2(composed::distance(raw, Qt::darkRed) <= 6,
+                             qPrintable(shot.how + ": raw face " + describe(raw)));
+                    QVERIFY2(composed::distance(calibrated, Qt::darkBlue) <= 6,
+                             qPrintable(shot.how + ": calibrated face " + describe(calibrated)));
+                }
+            });
     }
 };
 
