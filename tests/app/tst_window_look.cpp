@@ -1,5 +1,6 @@
 // The main window as a user sees it on a simulated camera: the picture a screenshot takes of the
-// whole window, not the properties the code set. The orientation view's colours and frame.
+// whole window, not the properties the code set. The orientation view's colours and frame, and the
+// free-space label's text.
 #include <QOpenGLWidget>
 #include <QSurfaceFormat>
 #include <QtTest>
@@ -186,6 +187,37 @@ private slots:
                 QVERIFY2(grey && c.red() >= 40 && c.red() <= 62,
                          qPrintable(QString("%1, %2 edge: %3").arg(shot.how, edge, describe(c))));
             }
+        }
+    }
+
+    // Red under 10 GiB, and text that reads on the dark panel otherwise.
+    void freeSpaceLabelReads_data() {
+        QTest::addColumn<double>("gigabytes");
+        QTest::addColumn<bool>("red");
+        QTest::newRow("9.99 GiB, shown as 10.0") << 9.99 << true;
+        QTest::newRow("10 GiB") << 10.0 << false;
+    }
+    void freeSpaceLabelReads() {
+        QFETCH(double, gigabytes);
+        QFETCH(bool, red);
+        PacedVirtualTime time({});
+        MainWindow w;
+        w.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&w));
+        w.setFreeSpace(gigabytes, "/data");
+        w.repaint();
+        const QWidget* label = &w.freeSpaceLabel();
+        for (const composed::Shot& shot : composed::grabBoth(&w)) {
+            const QImage text = composed::region(shot.image, &w, label);
+            const QColor background = composed::dominantColour(text);
+            const QColor ink = composed::inkColour(text, background);
+            const double contrast = composed::contrastRatio(ink, background);
+            const QString seen = QString("%1: %2 on %3, contrast %4")
+                                     .arg(shot.how, describe(ink), describe(background))
+                                     .arg(contrast);
+            QVERIFY2(contrast >= 4.5, qPrintable(seen));
+            const bool reddish = ink.red() > 200 && ink.green() < 60 && ink.blue() < 60;
+            QVERIFY2(reddish == red, qPrintable(seen));
         }
     }
 };

@@ -3,23 +3,20 @@
 
 #include "ModalResponder.h"
 #include "TempSettings.h"
+#include "WidgetTestMain.h"
 #include "csvwriter.h"
 #include "fileerrorbox.h"
-#include "freespace.h"
 #include "messagebox.h"
 #include "style.h"
-#include "WidgetTestMain.h"
 
-// What the recording shows the user: the error box of a file that cannot be opened, and the
-// free-space status text.
+// What the recording shows the user: the error box of a file that cannot be opened. (The
+// free-space text is checked in the composed main window, tests/app/tst_window_look.)
 class TestRecordGui : public QObject {
     Q_OBJECT
 
 private slots:
     void initTestCase();
     void unopenableFileShowsFileError();
-    void freeSpaceLabelTurnsRedUnderTenGigabytes_data();
-    void freeSpaceLabelTurnsRedUnderTenGigabytes();
 
 private:
     TempSettings settings;
@@ -57,27 +54,6 @@ void TestRecordGui::unopenableFileShowsFileError() {
     QCOMPARE(icon, QMessageBox::Warning);
     QCOMPARE(buttons, QStringList{"Ok"});
     QCOMPARE(sheet, style.messageBox);
-}
-
-void TestRecordGui::freeSpaceLabelTurnsRedUnderTenGigabytes_data() {
-    QTest::addColumn<double>("gigabytes");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QColor>("colour");
-    QTest::newRow("9.99") << 9.99 << "Disk Free Space: 10.0 Gb  on /rec/" << QColor(250, 20, 20);
-    QTest::newRow("250") << 250.0 << "Disk Free Space: 250.0 Gb  on /rec/" << QColor(20, 20, 20);
-}
-
-// The colour a user sees, read from the rendered label's palette.
-void TestRecordGui::freeSpaceLabelTurnsRedUnderTenGigabytes() {
-    QFETCH(double, gigabytes);
-    QFETCH(QString, text);
-    QFETCH(QColor, colour);
-    QLabel label;
-    showFreeSpace(&label, gigabytes, "/rec/");
-    label.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&label));
-    QCOMPARE(label.text(), text);
-    QCOMPARE(label.palette().color(QPalette::WindowText), colour);
 }
 
 WIDGET_TEST_MAIN(TestRecordGui)
