@@ -89,7 +89,6 @@ class TestCalibrationLook : public QObject {
             auto* label = dialog->findChild<QLabel*>("label_mag_calib_quality");
             if (label->text() != status) return;
             driver.stop();
-            dialog->repaint();
             look(*dialog, composed::grabBoth(dialog));
             looked = true;
             dialog->findChild<QPushButton*>("pushButton_exit")->click();

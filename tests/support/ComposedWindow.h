@@ -26,8 +26,10 @@ inline QImage widgetGrab(QWidget* window) {
     return window->grab().toImage().convertToFormat(QImage::Format_ARGB32);
 }
 
-// Qt has flushed what it last painted; the server answers the grab after those requests.
+// What the X server shows once the window's pending updates are painted and flushed: the server
+// answers the grab after those requests.
 inline QImage screenGrab(QWidget* window) {
+    window->repaint();
     const QPoint origin = window->mapToGlobal(QPoint(0, 0));
     const QPixmap pixels =
         window->screen()->grabWindow(0, origin.x(), origin.y(), window->width(), window->height());
