@@ -20,6 +20,8 @@
 namespace {
 
 constexpr int kTimeoutMs = 10000;
+// Only a guard against a dialog that never shows the awaited status.
+constexpr int kDialogGuardMs = 30000;
 
 std::unique_ptr<bw::ORYXmcu> openMcu(unsigned serial) {
     auto mcu = std::make_unique<bw::ORYXmcu>(false, bw::ORYX_USB_VENDOR_ID,
@@ -61,10 +63,6 @@ QColor faceColour(const QImage& compass) {
     return composed::dominantColour(compass.copy(inner));
 }
 
-QString describe(const QColor& c) {
-    return QString("(%1, %2, %3)").arg(c.red()).arg(c.green()).arg(c.blue());
-}
-
 }  // namespace
 
 class TestCalibrationLook : public QObject {
@@ -94,7 +92,7 @@ class TestCalibrationLook : public QObject {
             dialog->findChild<QPushButton*>("pushButton_exit")->click();
         });
         driver.start(20);
-        QTimer::singleShot(30000, &driver, [&] {
+        QTimer::singleShot(kDialogGuardMs, &driver, [&] {
             // The status never came: leave the dialog so that the test can report it.
             if (auto* dialog = w.findChild<MagCalibDlg*>())
                 dialog->findChild<QPushButton*>("pushButton_exit")->click();
@@ -133,7 +131,8 @@ private slots:
                 const QColor ink = composed::inkColour(image, background);
                 const QString seen =
                     QString("%1: %2 text on %3, quality colour %4")
-                        .arg(shot.how, describe(ink), describe(background), describe(quality));
+                        .arg(shot.how, composed::describe(ink), composed::describe(background),
+                             composed::describe(quality));
                 QVERIFY2(composed::distance(background, quality) <= 3, qPrintable(seen));
                 QVERIFY2(composed::distance(ink, Qt::black) <= 30, qPrintable(seen));
             }
@@ -143,19 +142,20 @@ private slots:
     void compassFacesAreDarkBlueAndDarkRed() {
         const bw::sim::DeviceConfig camera = simulatedCamera(bw::MODEL::ORYX_D);
         PacedVirtualTime time({camera});
-        inDialog(
-            "MAG. NOT CALIBRATED", [](MagCalibDlg& dialog, const QVector<composed::Shot>& shots) {
-                for (const composed::Shot& shot : shots) {
-                    const QColor raw = faceColour(composed::region(
-                        shot.image, &dialog, composed::named(&dialog, "widget_raw_compass")));
-                    const QColor calibrated = faceColour(composed::region(
-                        shot.image, &dialog, composed::named(&dialog, "widget_calib_compass")));
-                    QVERIFY2(composed::distance(raw, Qt::darkRed) <= 6,
-                             qPrintable(shot.how + ": raw face " + describe(raw)));
-                    QVERIFY2(composed::distance(calibrated, Qt::darkBlue) <= 6,
-                             qPrintable(shot.how + ": calibrated face " + describe(calibrated)));
-                }
-            });
+        inDialog("MAG. NOT CALIBRATED", [](MagCalibDlg& dialog,
+                                           const QVector<composed::Shot>& shots) {
+            for (const composed::Shot& shot : shots) {
+                const QColor raw = faceColour(composed::region(
+                    shot.image, &dialog, composed::named(&dialog, "widget_raw_compass")));
+                const QColor calibrated = faceColour(composed::region(
+                    shot.image, &dialog, composed::named(&dialog, "widget_calib_compass")));
+                QVERIFY2(composed::distance(raw, Qt::darkRed) <= 6,
+                         qPrintable(shot.how + ": raw face " + composed::describe(raw)));
+                QVERIFY2(
+                    composed::distance(calibrated, Qt::darkBlue) <= 6,
+                    qPrintable(shot.how + ": calibrated face " + composed::describe(calibrated)));
+            }
+        });
     }
 };
 

@@ -108,10 +108,6 @@ QColor edgeColour(const QImage& view, const char* edge) {
     return best;
 }
 
-QString describe(const QColor& c) {
-    return QString("(%1, %2, %3)").arg(c.red()).arg(c.green()).arg(c.blue());
-}
-
 // The width of the ink of the text in `image`: the columns with pixels that differ clearly from
 // the background.
 int inkWidth(const QImage& image, const QColor& background) {
@@ -212,8 +208,10 @@ private slots:
             for (const char* edge : {"left", "top", "right"}) {
                 const QColor c = edgeColour(view, edge);
                 const bool grey = c.red() == c.green() && c.green() == c.blue();
-                QVERIFY2(grey && c.red() >= 40 && c.red() <= 62,
-                         qPrintable(QString("%1, %2 edge: %3").arg(shot.how, edge, describe(c))));
+                QVERIFY2(
+                    grey && c.red() >= 40 && c.red() <= 62,
+                    qPrintable(
+                        QString("%1, %2 edge: %3").arg(shot.how, edge, composed::describe(c))));
             }
         }
     }
@@ -239,9 +237,10 @@ private slots:
             const QColor background = composed::dominantColour(text);
             const QColor ink = composed::inkColour(text, background);
             const double contrast = composed::contrastRatio(ink, background);
-            const QString seen = QString("%1: %2 on %3, contrast %4")
-                                     .arg(shot.how, describe(ink), describe(background))
-                                     .arg(contrast);
+            const QString seen =
+                QString("%1: %2 on %3, contrast %4")
+                    .arg(shot.how, composed::describe(ink), composed::describe(background))
+                    .arg(contrast);
             QVERIFY2(contrast >= 4.5, qPrintable(seen));
             const bool reddish = ink.red() > 200 && ink.green() < 60 && ink.blue() < 60;
             QVERIFY2(reddish == red, qPrintable(seen));

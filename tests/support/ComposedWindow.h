@@ -4,14 +4,14 @@
 // the parts of them that named widgets cover.
 #pragma once
 
-#include <QGuiApplication>
+#include <QColor>
+#include <QHash>
 #include <QImage>
 #include <QPixmap>
 #include <QScreen>
 #include <QString>
 #include <QVector>
 #include <QWidget>
-#include <QtTest>
 #include <algorithm>
 #include <cmath>
 
@@ -41,7 +41,7 @@ inline QVector<Shot> grabBoth(QWidget* window) {
             {QStringLiteral("X root window"), screenGrab(window)}};
 }
 
-// The widget named `name` inside `window`; fails the test when there is none.
+// The widget named `name` inside `window`; a missing one ends the test run.
 inline QWidget* named(QWidget* window, const char* name) {
     auto* widget = window->findChild<QWidget*>(QString::fromLatin1(name));
     if (widget == nullptr) qFatal("no widget named %s", name);
@@ -68,6 +68,11 @@ inline QColor dominantColour(const QImage& image) {
             best = it.key();
         }
     return QColor::fromRgb(best);
+}
+
+// "(r, g, b)", for failure messages.
+inline QString describe(const QColor& c) {
+    return QString("(%1, %2, %3)").arg(c.red()).arg(c.green()).arg(c.blue());
 }
 
 inline int distance(const QColor& a, const QColor& b) {
