@@ -10,7 +10,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
-#include <QPalette>
 #include <QPen>
 #include <QPushButton>
 #include <algorithm>
@@ -28,6 +27,7 @@
 #include "magcalibrecord.h"
 #include "messagebox.h"
 #include "orientcount.h"
+#include "palette.h"
 #include "restyle.h"
 #include "style.h"
 #include "ui_magcalibdlg.h"
@@ -82,6 +82,15 @@ double largestAbs(const QVector<double>& a, const QVector<double>& b, const QVec
 }
 
 void sleepMs(long ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
+
+// The status label has a style sheet, and a sheet's colours outrank the palette: the quality
+// colour has to go into the sheet. Only a changed sheet is set, as each one re-polishes the label.
+void colourStatusLabel(QLabel* label, const Style& style, const QColor& background) {
+    const QString sheet =
+        style.labelOnColour.arg(clr::toStr(background.toRgb())) + style.fontLabelMedium;
+    if (label->styleSheet() != sheet) label->setStyleSheet(sheet);
+    label->setAutoFillBackground(true);
+}
 
 }  // namespace
 
@@ -506,13 +515,9 @@ void MagCalibDlg::onUpdateTimer() {
             label->setText(tr("NOT AVAILABLE"));
             break;
     }
-    QPalette palette = label->palette();
-    palette.setColor(
-        QPalette::Window,
+    colourStatusLabel(
+        label, *style,
         QColor::fromHsvF(std::clamp(calibQuality.load() * 0.33, 0.0, 1.0), 0.75, 0.8, 1.0));
-    palette.setColor(QPalette::WindowText, Qt::black);
-    label->setPalette(palette);
-    label->setAutoFillBackground(true);
 }
 
 // ---- plots -------------------------------------------------------------------------------

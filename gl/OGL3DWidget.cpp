@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QMatrix4x4>
 #include <QMouseEvent>
+#include <QOpenGLPaintDevice>
 #include <QPainter>
 #include <QPainterPath>
 #include <QWheelEvent>
@@ -340,6 +341,11 @@ void OGL3DWidget::visualize() {
     if (!initialised) {
         return;
     }
+    // The scene's fragment shader writes alpha 0.5. Stored in the framebuffer, it would make the
+    // window's compositor (and QWidget::grab) read the view as translucent premultiplied colour,
+    // whose channels then overflow; the alpha of the clear, 1, is kept instead.
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
+    glEnable(GL_CULL_FACE);
     applyPose();
     glLineWidth(1.5f);
     camera->update();
@@ -364,10 +370,19 @@ void OGL3DWidget::visualize() {
     dynAxis->draw(dynAxisX, dynAxisY, dynAxisZ);
     cameraModel->draw();
     shaderProgram->release();
+    // QPainter draws the border next and leaves face culling as it finds it; the triangles of
+    // its strokes do not all wind counter-clockwise, and the culled ones took the frame away.
+    glDisable(GL_CULL_FACE);
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
 }
 
 void OGL3DWidget::roundedBorder() {
-    QPainter painter(this);
+    // Painted straight into the framebuffer being drawn. A QPainter on the widget itself would
+    // follow QWidget::render's redirection while the window is grabbed, land in the grab's
+    // pixmap and then be covered by this very framebuffer.
+    QOpenGLPaintDevice device(size() * devicePixelRatioF());
+    device.setDevicePixelRatio(devicePixelRatioF());
+    QPainter painter(&device);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(QColor(25, 25, 25), 5));
     painter.drawRoundedRect(QRect(-1, -1, width() + 3, height() + 2), 10, 10);

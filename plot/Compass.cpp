@@ -3,6 +3,7 @@
 #include <qwt_compass.h>
 #include <qwt_dial_needle.h>
 
+#include <QEvent>
 #include <QPalette>
 
 namespace {
@@ -15,6 +16,7 @@ QPalette dialPalette(const QColor& base) {
     for (int i = 0; i < QPalette::NColorGroups; ++i) {
         const auto group = static_cast<QPalette::ColorGroup>(i);
         palette.setColor(group, QPalette::Base, base);
+        // Also where keepDialColours finds the base colour again: style sheets never set Mid.
         palette.setColor(group, QPalette::Mid, base);
         palette.setColor(group, QPalette::Window, base.darker(120));
         // The face inside the scale.
@@ -40,6 +42,24 @@ void Compass::setRaw(bool raw) {
     setupScale();
     setupNeedle();
     setValue(0.0);
+}
+
+bool Compass::event(QEvent* event) {
+    const bool handled = QwtCompass::event(event);
+    if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange) {
+        keepDialColours();
+    }
+    return handled;
+}
+
+// A style sheet of the window around the dial (the calibration dialog has one for all of its
+// widgets) sets the window, base, text and foreground roles of the palette whenever it polishes
+// the dial, which turned the face near-white. The dial's own palette is put back after.
+void Compass::keepDialColours() {
+    const QPalette own = dialPalette(palette().color(QPalette::Mid));
+    if (palette() != own) {
+        setPalette(own);
+    }
 }
 
 void Compass::setupScale() {

@@ -14,8 +14,12 @@ public:
     // needle goes back to 0 until the next setValue.
     void setRaw(bool raw);
 
+protected:
+    bool event(QEvent* event) override;
+
 private:
     void setupScale();
     void setupNeedle();
+    void keepDialColours();
 };
 

@@ -3,14 +3,17 @@
 #include <QLabel>
 #include <QStorageInfo>
 
+#include "palette.h"
+
 namespace {
 
 constexpr double kBytesPerGigabyte = 1024.0 * 1024.0 * 1024.0;
 constexpr double kLowSpaceGigabytes = 10.0;
 
-// The status label's two text colours.
+// The status label's two text colours. It sits on the window's near-black panel, so the normal
+// one is the secondary text grey.
 const QString kLowSpaceSheet = QStringLiteral("color : rgb(250,20,20);");
-const QString kNormalSheet = QStringLiteral("color : rgb(20,20,20);");
+const QString kNormalSheet = "color : " + clr::bw_iron + ";";
 
 }  // namespace
 

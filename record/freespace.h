@@ -14,7 +14,8 @@ double freeSpaceGigabytes(const QString& folder);
 // characters wide.
 QString freeSpaceText(double gigabytes, const QString& path);
 
-// Red under 10 GiB, judged on the unrounded amount: 9.99 shows as "10.0" and is still red.
+// Red under 10 GiB, judged on the unrounded amount: 9.99 shows as "10.0" and is still red;
+// light grey otherwise.
 QString freeSpaceStyleSheet(double gigabytes);
 
 // Both of the above on `label`.

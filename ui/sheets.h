@@ -9,7 +9,8 @@
 // function says which.
 namespace sheet {
 
-// Family names the sheets ask for. When a family is not installed, Qt uses its default font.
+// Family names the sheets ask for. They are not shipped; loadApplicationFonts (fonts.h) maps them
+// to the bundled Roboto.
 inline const QString familyRegular = QStringLiteral("NB Akademie Pro Regular");
 inline const QString familyMedium = QStringLiteral("NB Akademie Pro Medium");
 inline const QString familyMonoRegular = QStringLiteral("NB Akademie Mono Pro Regular");
@@ -22,7 +23,8 @@ QString charcoalBase();
 QString slider();
 QString menu();
 QString labelPlain();
-QString tabWidget();  // %1: tab width in pixels
+QString labelOnColour();  // %1: background colour
+QString tabWidget();      // %1: tab width in pixels
 QString listWidget();
 QString frameRounded();
 QString frameBare();

@@ -45,6 +45,12 @@ QString labelPlain() {
     return "background-color:" + clr::bw_soil + ";color: " + clr::bw_pearl + ";";
 }
 
+// A label whose background tells something (the calibration quality): black reads on any
+// light or saturated colour.
+QString labelOnColour() {
+    return "background-color:%1;color: " + clr::toStr(QColor(Qt::black)) + ";";
+}
+
 QString tabWidget() {
     return "QTabWidget{background-color:" + clr::bw_soil +
            ";}QTabWidget::pane{border: 0px;}"

@@ -1,38 +1,11 @@
 #include "style.h"
 
-#include <QFontDatabase>
-#include <QStringList>
-
+#include "fonts.h"
 #include "palette.h"
 #include "resources.h"
 #include "sheets.h"
 
 namespace {
-
-// Application fonts, in the order they are registered. Only the Roboto files ship in the
-// resource bundle; the others fail to load and their families resolve to Qt's default font.
-const char* const kFontFiles[] = {
-    ":/font/Roboto-Medium.ttf",
-    ":/font/Roboto-Bold.ttf",
-    ":/font/Roboto-Regular.ttf",
-    ":/font/Helvetica-Neue.ttf",
-    ":/font/NBAkademiePro-Regular.ttf",
-    ":/font/NBAkademiePro-Medium.ttf",
-    ":/font/NBAkademieMonoPro-Regular.ttf",
-    ":/font/NBAkademieMonoPro-Medium.ttf",
-};
-
-// Every Style asks for the fonts, but registering a file twice would only add a duplicate
-// family to the font database.
-void loadApplicationFonts() {
-    static const bool loaded = [] {
-        for (const char* file : kFontFiles) {
-            QFontDatabase::addApplicationFont(QString::fromLatin1(file));
-        }
-        return true;
-    }();
-    Q_UNUSED(loaded);
-}
 
 QString fontCss(const QString& family, const char* weight, int pointSize) {
     return "font-family: " + family + "; font-weight: " + weight +
@@ -90,6 +63,7 @@ Style::Style() : fontSize(10) {
     spinBox = sheet::spinBox();
     spinBoxDark = sheet::spinBoxDark();
     labelPlain = sheet::labelPlain();
+    labelOnColour = sheet::labelOnColour();
     radioButton = sheet::radioButton();
     tabWidget = sheet::tabWidget();
     listWidget = sheet::listWidget();

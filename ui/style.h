@@ -6,8 +6,9 @@
 // The application's look: every Qt style sheet and font text, assembled once from the palette
 // (palette.h). Windows create one Style and apply its fields to their widgets.
 //
-// Constructing a Style registers the application fonts and the resource bundle, so the images
-// the sheets point to (":/images/...") resolve.
+// Constructing a Style registers the resource bundle, so the images the sheets point to
+// (":/images/...") resolve, and the application fonts with the families the sheets name mapped to
+// them (fonts.h).
 class Style {
 public:
     Style();
@@ -72,7 +73,8 @@ public:
     QString spinBox;
     QString spinBoxDark;
 
-    QString labelPlain;  // for setStyleSheet on one label: no selector
+    QString labelPlain;     // for setStyleSheet on one label: no selector
+    QString labelOnColour;  // likewise, black text; %1: background colour, e.g. "rgb(r,g,b)"
     QString radioButton;
     QString tabWidget;  // %1: tab width in pixels
     QString listWidget;

@@ -202,16 +202,6 @@ private slots:
             }
         }
     }
-
-    void lowDiskSpaceIsShownInRed() {
-        PacedVirtualTime time({});
-        MainWindow w;
-        w.setFreeSpace(9.99, "/data");
-        QCOMPARE(w.freeSpaceLabel().text(), QString("Disk Free Space: 10.0 Gb  on /data"));
-        QCOMPARE(w.freeSpaceLabel().styleSheet(), QString("color : rgb(250,20,20);"));
-        w.setFreeSpace(10.0, "/data");
-        QCOMPARE(w.freeSpaceLabel().styleSheet(), QString("color : rgb(20,20,20);"));
-    }
 };
 
 WIDGET_TEST_MAIN(TestWindowRecording)

@@ -20,14 +20,6 @@ bool sameQuat(const bw::Orientation& a, const bw::Orientation& b, float eps = 1e
     return near(a.x, b.x, eps) && near(a.y, b.y, eps) && near(a.z, b.z, eps) && near(a.w, b.w, eps);
 }
 
-// The scene program writes alpha 0.5; colours are compared on their raw RGB values.
-QImage rgbOf(const QImage& grabbed) {
-    const QImage rgba = grabbed.convertToFormat(QImage::Format_RGBA8888);
-    return QImage(rgba.constBits(), rgba.width(), rgba.height(), rgba.bytesPerLine(),
-                  QImage::Format_RGBX8888)
-        .convertToFormat(QImage::Format_RGB888);
-}
-
 }  // namespace
 
 class TstViews : public QObject {
@@ -46,7 +38,7 @@ class TstViews : public QObject {
     void showView(int w = 400, int h = 300) { show(view, w, h); }
     void showImage(int w, int h) { show(image, w, h); }
 
-    QImage frame() { return rgbOf(view->grabFramebuffer()); }
+    QImage frame() { return view->grabFramebuffer(); }
 
     void sendWheel(int delta) {
         const QPointF pos(50, 50);

@@ -1,0 +1,163 @@
+// The magnetometer calibration dialog as a user sees it, opened from the main window on a
+// simulated camera whose stored calibration the device rates GOOD, OK or NOT GOOD: the status
+// label in the quality colour with black text, and the two compass faces, read from pictures of
+// the whole dialog.
+#include <QLabel>
+#include <QPushButton>
+#include <QtTest>
+#include <bw/ORYXmcu.hpp>
+#include <functional>
+#include <memory>
+
+#include "ComposedWindow.h"
+#include "MessageBoxWatcher.h"
+#include "SimulatedCameras.h"
+#include "WidgetTestMain.h"
+#include "magcalibdlg.h"
+#include "mainwindow.h"
+#include "ui_mainwindow.h"
+
+namespace {
+
+constexpr int kTimeoutMs = 10000;
+// Only a guard against a dialog that never shows the awaited status.
+constexpr int kDialogGuardMs = 30000;
+
+std::unique_ptr<bw::ORYXmcu> openMcu(unsigned serial) {
+    auto mcu = std::make_unique<bw::ORYXmcu>(false, bw::ORYX_USB_VENDOR_ID,
+                                             bw::MODEL(serial / 10'000'000), false, "");
+    if (mcu->open(serial, false, bw::IMU_ODR_400HZ, nullptr, nullptr, true, false) != 0)
+        return nullptr;
+    return mcu;
+}
+
+// Stores the calibration that undoes the camera's distortion, with the scale of one axis off by
+// `scaleError` (0.05 is 5 %): the further off, the worse the device rates it.
+void storeCalibration(const bw::sim::DeviceConfig& camera, float scaleError) {
+    auto mcu = openMcu(camera.serial);
+    QVERIFY(mcu);
+    bw::_mag_calib_data c;
+    c.scale_d0 = (1.f + scaleError) / camera.softIronScale.x;
+    c.scale_d1 = 1.f / camera.softIronScale.y;
+    c.scale_d2 = 1.f / camera.softIronScale.z;
+    c.offset_d0 = camera.hardIronOffset.x;
+    c.offset_d1 = camera.hardIronOffset.y;
+    c.offset_d2 = camera.hardIronOffset.z;
+    QCOMPARE(mcu->writeMagCalibInEEprom(c), 0);
+}
+
+// What the device reports about its stored calibration, with a moment of samples to go on.
+bw::_imu_pose_data deviceRating(unsigned serial) {
+    auto mcu = openMcu(serial);
+    if (!mcu || mcu->startCapture(0.f) != 0) return {};
+    bw::sim::Clock::advanceBy(50'000'000ull);
+    return mcu->getIMUPose(6);
+}
+
+// The face of a compass: the colour that covers most of the disc inside its scale, around the
+// needle.
+QColor faceColour(const QImage& compass) {
+    const int side = std::min(compass.width(), compass.height());
+    const QRect inner(compass.width() / 2 - side / 5, compass.height() / 2 - side / 5,
+                      2 * (side / 5), 2 * (side / 5));
+    return composed::dominantColour(compass.copy(inner));
+}
+
+}  // namespace
+
+class TestCalibrationLook : public QObject {
+    Q_OBJECT
+
+    // Opens the calibration dialog the way a user does and, once its status label reads
+    // `status`, hands pictures of it to `look` before leaving it.
+    static void inDialog(
+        const QString& status,
+        const std::function<void(MagCalibDlg&, const QVector<composed::Shot>&)>& look) {
+        MessageBoxWatcher boxes;
+        MainWindow w;
+        w.show();
+        QTRY_VERIFY_WITH_TIMEOUT(w.input() != nullptr && w.isSampling(), kTimeoutMs);
+        w.form()->pushButton_mag->click();
+
+        bool looked = false;
+        QTimer driver;
+        connect(&driver, &QTimer::timeout, [&] {
+            auto* dialog = w.findChild<MagCalibDlg*>();
+            if (dialog == nullptr || !dialog->isVisible()) return;
+            auto* label = dialog->findChild<QLabel*>("label_mag_calib_quality");
+            if (label->text() != status) return;
+            driver.stop();
+            look(*dialog, composed::grabBoth(dialog));
+            looked = true;
+            dialog->findChild<QPushButton*>("pushButton_exit")->click();
+        });
+        driver.start(20);
+        QTimer::singleShot(kDialogGuardMs, &driver, [&] {
+            // The status never came: leave the dialog so that the test can report it.
+            if (auto* dialog = w.findChild<MagCalibDlg*>())
+                dialog->findChild<QPushButton*>("pushButton_exit")->click();
+        });
+        w.form()->pushButton_calib_mag->click();  // runs the dialog until it is left
+        QVERIFY2(looked, qPrintable("the dialog never showed " + status));
+        QVERIFY(boxes.shown().isEmpty());
+    }
+
+private slots:
+    void statusLabelTakesTheQualityColour_data() {
+        QTest::addColumn<float>("scaleError");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("GOOD") << 0.f << 0 << "GOOD";
+        QTest::newRow("OK") << 0.035f << 1 << "OK";
+        QTest::newRow("NOT GOOD") << 0.1f << 2 << "NOT GOOD";
+    }
+    void statusLabelTakesTheQualityColour() {
+        QFETCH(float, scaleError);
+        QFETCH(int, status);
+        QFETCH(QString, text);
+        const bw::sim::DeviceConfig camera = simulatedCamera(bw::MODEL::ORYX_D);
+        PacedVirtualTime time({camera});
+        storeCalibration(camera, scaleError);
+        const bw::_imu_pose_data rating = deviceRating(camera.serial);
+        QCOMPARE(int(rating.mag_calib_status), status);
+        const QColor quality =
+            QColor::fromHsvF(rating.mag_calib_quality * 0.33, 0.75, 0.8, 1.0).toRgb();
+
+        inDialog(text, [&](MagCalibDlg& dialog, const QVector<composed::Shot>& shots) {
+            const QWidget* label = composed::named(&dialog, "label_mag_calib_quality");
+            for (const composed::Shot& shot : shots) {
+                const QImage image = composed::region(shot.image, &dialog, label);
+                const QColor background = composed::dominantColour(image);
+                const QColor ink = composed::inkColour(image, background);
+                const QString seen =
+                    QString("%1: %2 text on %3, quality colour %4")
+                        .arg(shot.how, composed::describe(ink), composed::describe(background),
+                             composed::describe(quality));
+                QVERIFY2(composed::distance(background, quality) <= 3, qPrintable(seen));
+                QVERIFY2(composed::distance(ink, Qt::black) <= 30, qPrintable(seen));
+            }
+        });
+    }
+
+    void compassFacesAreDarkBlueAndDarkRed() {
+        const bw::sim::DeviceConfig camera = simulatedCamera(bw::MODEL::ORYX_D);
+        PacedVirtualTime time({camera});
+        inDialog("MAG. NOT CALIBRATED", [](MagCalibDlg& dialog,
+                                           const QVector<composed::Shot>& shots) {
+            for (const composed::Shot& shot : shots) {
+                const QColor raw = faceColour(composed::region(
+                    shot.image, &dialog, composed::named(&dialog, "widget_raw_compass")));
+                const QColor calibrated = faceColour(composed::region(
+                    shot.image, &dialog, composed::named(&dialog, "widget_calib_compass")));
+                QVERIFY2(composed::distance(raw, Qt::darkRed) <= 6,
+                         qPrintable(shot.how + ": raw face " + composed::describe(raw)));
+                QVERIFY2(
+                    composed::distance(calibrated, Qt::darkBlue) <= 6,
+                    qPrintable(shot.how + ": calibrated face " + composed::describe(calibrated)));
+            }
+        });
+    }
+};
+
+WIDGET_TEST_MAIN(TestCalibrationLook)
+#include "tst_calibration_look.moc"
