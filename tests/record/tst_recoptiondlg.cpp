@@ -3,7 +3,6 @@
 
 #include "TempSettings.h"
 #include "WidgetTestMain.h"
-#include "freespace.h"
 #include "recoptiondlg.h"
 
 namespace {
@@ -172,36 +171,6 @@ private slots:
         QCOMPARE(keys.size(), 2);
         QCOMPARE(TempSettings::stored("sample_freq").toInt(), 25);
         QCOMPARE(TempSettings::stored("save_folder").toString(), QStringLiteral("/srv/recordings"));
-    }
-
-    // Red under 10 GiB, judged on the unrounded amount: 9.99 shows as "10.0" and is red.
-    void freeSpaceLabelTurnsRedUnderTenGigabytes_data() {
-        QTest::addColumn<double>("gigabytes");
-        QTest::addColumn<bool>("red");
-        QTest::newRow("9.99") << 9.99 << true;
-        QTest::newRow("10") << 10.0 << false;
-    }
-
-    void freeSpaceLabelTurnsRedUnderTenGigabytes() {
-        QFETCH(double, gigabytes);
-        QFETCH(bool, red);
-        QLabel label;
-        showFreeSpace(&label, gigabytes, "/rec/");
-        label.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&label));
-        QCOMPARE(label.text(), ::freeSpaceText(gigabytes, "/rec/"));
-        // The text's pixels: clearly red, or dark grey.
-        const QImage image = label.grab().toImage();
-        int reddish = 0, darkGrey = 0;
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
-                const QColor c = image.pixelColor(x, y);
-                reddish += c.red() > 150 && c.red() > c.green() + 100;
-                darkGrey += c.red() < 80 && qAbs(c.red() - c.green()) < 10;
-            }
-        }
-        QVERIFY2(red ? reddish > 20 && darkGrey == 0 : reddish == 0 && darkGrey > 20,
-                 qPrintable(QString("%1 red, %2 dark pixels").arg(reddish).arg(darkGrey)));
     }
 };
 
