@@ -38,6 +38,8 @@ struct SensorChart {
     DataPlot::DataType firstCurve;
     std::array<Series, 3> curves;  // values of the curves from firstCurve on; null: no curve
     TimeBase timeBase;
+    // The curves' values when a TEMPERATURE time base falls back to the IMU's samples.
+    std::array<Series, 3> fallbackCurves;
     int nominalRate;  // samples per second of the sensor: the chart's window, the readout's cap
 };
 

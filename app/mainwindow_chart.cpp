@@ -104,6 +104,7 @@ void MainWindow::feedChart(Sensor sensor, int imuStart) {
     const SensorChart& chart = info.chart;
 
     const QVector<double>* time = &series.imuTime;
+    const std::array<Series, 3>* curves = &chart.curves;
     int start = imuStart;
     int rate = chart.nominalRate;
     switch (chart.timeBase) {
@@ -119,6 +120,7 @@ void MainWindow::feedChart(Sensor sensor, int imuStart) {
             // Cameras without barometer samples read their temperatures with every IMU sample.
             if (series.baroSampleTime.isEmpty()) {
                 time = &series.tempFallbackTime;
+                curves = &chart.fallbackCurves;
                 rate = sensorInfo(Sensor::ACCELEROMETER).chart.nominalRate;
             } else {
                 time = &series.baroSampleTime;
@@ -131,8 +133,8 @@ void MainWindow::feedChart(Sensor sensor, int imuStart) {
     plotTime = tail(*time, start);
     QVector<double>* values[3] = {&plotY0, &plotY1, &plotY2};
     DataPlot* plot = ui->widget_chart;
-    for (int i = 0; i < 3 && chart.curves[i] != nullptr; ++i) {
-        *values[i] = tail(series.*chart.curves[i], start);
+    for (int i = 0; i < 3 && (*curves)[i] != nullptr; ++i) {
+        *values[i] = tail(series.*(*curves)[i], start);
         plot->updateData(static_cast<DataPlot::DataType>(chart.firstCurve + i), plotTime,
                          *values[i], false);
     }

@@ -10,17 +10,13 @@
 
 namespace {
 
-// Application fonts, in the order they are registered. Only the Roboto files ship in the
-// resource bundle; the others fail to load and their families resolve to the substitutes below.
+// Application fonts, in the order they are registered: the Roboto weights of the resource
+// bundle. The families that the style sheets name are commercial faces the project cannot ship;
+// they resolve to these through the substitutions below.
 const char* const kFontFiles[] = {
     ":/font/Roboto-Medium.ttf",
     ":/font/Roboto-Bold.ttf",
     ":/font/Roboto-Regular.ttf",
-    ":/font/Helvetica-Neue.ttf",
-    ":/font/NBAkademiePro-Regular.ttf",
-    ":/font/NBAkademiePro-Medium.ttf",
-    ":/font/NBAkademieMonoPro-Regular.ttf",
-    ":/font/NBAkademieMonoPro-Medium.ttf",
 };
 
 // The family that a style sheet's "font-family: <family>;" leaves on a widget. Qt's sheet parser

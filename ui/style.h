@@ -6,6 +6,9 @@
 // The application's look: every Qt style sheet and font text, assembled once from the palette
 // (palette.h). Windows create one Style and apply its fields to their widgets.
 //
+// It is the camera family's whole catalogue, shared with the maker's other tools: this program's
+// windows apply only some of the sheets, and the others are kept so that the set stays whole.
+//
 // Constructing a Style registers the resource bundle, so the images the sheets point to
 // (":/images/...") resolve, and the application fonts with the families the sheets name mapped to
 // them (fonts.h).

@@ -198,10 +198,12 @@ void SampleIngest::append(const Row& r, std::uint64_t t, std::uint64_t b, std::u
     s.tempLeft.append(r.tempLeft), s.tempRight.append(r.tempRight);
     s.imuTime.append(r.imuTime), s.magTime.append(r.magTime), s.baroTime.append(r.baroTime);
     if (c.imuRateValid) s.imuRate.append(c.imuRate);
-    if (!c.onboardTemperaturesRead) {
+    // A camera whose onboard sensors fail, or that has no barometer to time its temperatures,
+    // gets them at the IMU rate, in series of their own.
+    if (!c.onboardTemperaturesRead || !record.barometer.is_available) {
         s.tempFallbackTime.append(r.imuTime);
-        s.tempSampleLeft.append(r.tempLeft);
-        s.tempSampleRight.append(r.tempRight);
+        s.tempFallbackLeft.append(r.tempLeft);
+        s.tempFallbackRight.append(r.tempRight);
     }
     if (b != 0 && c.newBaro) {
         s.baroRate.append(c.baroRate);

@@ -20,7 +20,10 @@ struct SensorSeries {
 
     // Appended on events only.
     QVector<double> imuRate;
-    QVector<double> tempFallbackTime, tempSampleLeft, tempSampleRight;
+    // Temperatures at the IMU rate, for cameras without barometer samples to time them.
+    QVector<double> tempFallbackTime, tempFallbackLeft, tempFallbackRight;
+    // Temperatures with each barometer sample (baroSampleTime).
+    QVector<double> tempSampleLeft, tempSampleRight;
     QVector<double> baroRate, baroSamplePressure, baroSampleTime;
     QVector<double> magRate, magSampleX, magSampleY, magSampleZ, magSampleTime;
 

@@ -181,7 +181,38 @@ private slots:
         QCOMPARE(series.tempRight.last(), 38.0);
         QCOMPARE(series.tempFallbackTime.size(), 1);
         QCOMPARE(series.tempFallbackTime[0], series.imuTime[0]);
-        QCOMPARE(series.tempSampleLeft.last(), 38.0);
+        QCOMPARE(series.tempFallbackLeft.last(), 38.0);
+    }
+
+    // Every temperature sample has its own time: the barometer's samples time one series, the
+    // IMU's the other, whichever of them a camera with a failing onboard sensor feeds.
+    void temperatureSamplesPairWithTheirTimes_data() {
+        QTest::addColumn<bool>("barometer");
+        QTest::addColumn<bool>("onboard");
+        QTest::newRow("barometer, onboard sensors") << true << true;
+        QTest::newRow("barometer, onboard sensor failing") << true << false;
+        QTest::newRow("no barometer, onboard sensors") << false << true;
+        QTest::newRow("no barometer, onboard sensor failing") << false << false;
+    }
+    void temperatureSamplesPairWithTheirTimes() {
+        QFETCH(bool, barometer);
+        QFETCH(bool, onboard);
+        SampleIngest ingest(series, *levels, mutex);
+        for (int k = 0; k < 200; ++k) {
+            bw::SensorsData d = record(kStart + k * kImuPeriod);
+            d.barometer.is_available = barometer;
+            // 25 Hz: a new barometer sample every 16th IMU sample.
+            if (barometer) d.barometer.timestamp = kStart + (k / 16) * 16 * kImuPeriod;
+            d.temperature.available[static_cast<int>(Location::ONBOARD_LEFT)] = onboard;
+            ingest.ingest(d);
+        }
+        QCOMPARE(series.tempSampleLeft.size(), series.baroSampleTime.size());
+        QCOMPARE(series.tempSampleRight.size(), series.baroSampleTime.size());
+        QCOMPARE(series.tempFallbackLeft.size(), series.tempFallbackTime.size());
+        QCOMPARE(series.tempFallbackRight.size(), series.tempFallbackTime.size());
+        // Without barometer samples to time them, the temperatures follow the IMU.
+        QCOMPARE(series.tempFallbackTime.isEmpty(), barometer && onboard);
+        QCOMPARE(series.baroSampleTime.isEmpty(), !barometer);
     }
 
     void orientationIsInDegrees() {
