@@ -24,6 +24,8 @@ int main(int argc, char* argv[]) {
     app.addLibraryPath("platforms/");
 
     MainWindow w;
+    // Any arguments are recordings to replay: SensorDataViewer FILE.csv...
+    w.openRecordings(app.arguments().mid(1));
     w.show();
     return app.exec();
 }

@@ -34,6 +34,7 @@ void turnOrientationView(OGL3DWidget& view, const SampleIngest::Pose& pose) {
 
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(new Ui::MainWindow) {
     ui->setupUi(this);
+    placeReplayBar();
     recordDir.setPath(recOptions.saveFolder);
     statusBar()->hide();
     style = new Style();
@@ -147,6 +148,7 @@ void MainWindow::createLiveInput() {
     const int index = std::max(0, ui->comboBox_camera_list->currentIndex());
     if (index < listedCameras.size()) selected = listedCameras[index];
     if (session.open(selected) != bw::SUCCESS) {
+        if (!selected.recording.isEmpty()) refuseRecording(selected.recording);
         restartDetection();
         unsetCursor();
         return;
@@ -164,6 +166,7 @@ void MainWindow::createLiveInput() {
     }
     warnAboutOldFirmware();
     session.start();
+    showReplayState();
     startSensorViews(session.model());
     noCamera = false;
     unsetCursor();
@@ -250,6 +253,7 @@ void MainWindow::reset() {
     ui->comboBox_time_range->clear();
     on_pushButton_accel_clicked(true);
     ui->pushButton_accel->setChecked(true);
+    showReplayState();
 }
 
 void MainWindow::cameraDisconnected() {

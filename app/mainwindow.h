@@ -24,7 +24,10 @@
 #include "recoptions.h"
 
 class InputThreadModul;
+class QDragEnterEvent;
+class QDropEvent;
 class QTimer;
+class ReplayBar;
 class Style;
 
 namespace Ui {
@@ -56,6 +59,9 @@ public:
     void setFreeSpace(double gigabytes, const QString& path);
     // The name of the sensor shown ("Accelerometer", ...), empty before one is chosen.
     QString shownSensor() const;
+    // Recordings to replay, listed before the cameras; the first opens when nothing is open.
+    void openRecordings(const QStringList& paths);
+    ReplayBar* replayControls() const { return replayBar; }
 
 public slots:
     void setContext();
@@ -105,6 +111,16 @@ private:
     // Camera list.
     int updateDeviceList(bool keepCurrent);
     void listCamera(const LiveCameraSession::Camera& camera, const QString& modelName);
+    void listRecording(const QString& path);
+
+    // Replay of a recording.
+    void placeReplayBar();
+    void connectReplayBar();
+    void showReplayState();
+    void showReplayPosition();
+    void refuseRecording(const QString& path);
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
     // Chart and readout.
     void applyStyle();
@@ -140,6 +156,10 @@ private:
     QVector<LiveCameraSession::Camera> listedCameras;
     LiveCameraSession::Camera selected;
     QString selectedModelName;
+    QStringList recordings;            // given on the command line or dropped, newest first
+    QStringList refusedRecordings;     // not listed again
+    ReplayBar* replayBar = nullptr;    // shown while a recording is open
+    bw::Timestamp replayStartNs = 0;   // recorded time of the first frame
     bool detecting = false;      // the camera list is being rebuilt
     bool noCamera = true;        // searching for cameras
     bool openingCamera = false;  // createLiveInput is running, possibly inside a message box

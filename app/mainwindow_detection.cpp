@@ -1,4 +1,5 @@
 // Camera list: polling for cameras, listing them, and opening the chosen one.
+#include <QFileInfo>
 #include <QTimer>
 #include <bw/types.hpp>
 
@@ -8,7 +9,12 @@
 
 void MainWindow::listCamera(const LiveCameraSession::Camera& camera, const QString& modelName) {
     listedCameras.append(camera);
-    ui->comboBox_camera_list->addItem(QStringLiteral("%1 - %3").arg(modelName).arg(camera.serial));
+    if (!camera.recording.isEmpty())
+        ui->comboBox_camera_list->addItem(
+            tr("Recording - %1").arg(QFileInfo(camera.recording).fileName()));
+    else
+        ui->comboBox_camera_list->addItem(
+            QStringLiteral("%1 - %3").arg(modelName).arg(camera.serial));
 }
 
 int MainWindow::updateDeviceList(bool keepCurrent) {
@@ -19,12 +25,19 @@ int MainWindow::updateDeviceList(bool keepCurrent) {
     // The list shown is the previous poll's, so the window never waits for the camera layer.
     const std::vector<bw::DeviceProperties> devices = detectionThread.deviceList();
     detectionThread.start(QThread::InheritPriority);
+    for (const QString& path : recordings) listRecording(path);
     for (const bw::DeviceProperties& device : devices) {
+        // A camera that replays a recording names its file as its device path.
+        const QString path = QString::fromStdString(device.path);
+        if (QFileInfo(path).isFile()) {
+            listRecording(path);
+            continue;
+        }
         if (!modelInfo(device.camera_model).isListed() || device.serial_number == 0 ||
             device.camera_state != bw::CAMERA_STATE::AVAILABLE)
             continue;
         listCamera({static_cast<std::uint32_t>(device.id), device.serial_number,
-                    static_cast<std::uint32_t>(device.camera_model)},
+                    static_cast<std::uint32_t>(device.camera_model), QString()},
                    QString::fromLatin1(bw::toString(device.camera_model)));
     }
     detecting = false;

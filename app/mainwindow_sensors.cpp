@@ -40,6 +40,7 @@ void MainWindow::on_pushButton_temper_clicked(bool checked) {
 }
 
 void MainWindow::updateDataDisplay() {
+    showReplayPosition();
     if (hasNoCamera()) {
         if (!openingCamera) cameraDisconnected();
         return;

@@ -1,6 +1,6 @@
 #include "InputThreadModul.h"
 
-#include <QAbstractSlider>
+#include <algorithm>
 #include <bw/gpu.hpp>
 
 #include "programstates.h"
@@ -86,8 +86,29 @@ int InputThreadModul::replay(const QString& path) {
     if (result == bw::SUCCESS) {
         isFile = true;
         frameCount = camera.getReplayFrameCount();
+        replaySlider = 0;
     }
     return result;
+}
+
+void InputThreadModul::seekReplay(int frame) {
+    if (!isFile) return;
+    std::lock_guard<std::mutex> lock(grabMutex);
+    const int position = std::clamp(frame, 0, std::max(0, frameCount - 1));
+    camera.setReplayPosition(position);
+    replaySlider = position;
+}
+
+void InputThreadModul::setReplaySpeed(float factor) {
+    if (isFile) camera.setReplaySpeed(factor);
+}
+
+bw::Timestamp InputThreadModul::replayTimestamp(int frame) const {
+    return isFile ? camera.getReplayTimestamp(frame) : 0;
+}
+
+bw::Timestamp InputThreadModul::shownFrameTimestamp() const {
+    return camera.getTimestamp(bw::TIME_REFERENCE::IMAGE);
 }
 
 int InputThreadModul::openStereo(bw::InitParameters parameters) {
@@ -171,27 +192,40 @@ bool InputThreadModul::waitForStart() {
     return !quit;
 }
 
-void InputThreadModul::followReplay(bool paused) {
-    if (!isFile || replaySlider == nullptr) return;
-    if (!paused) {
-        const int position =
-            replaySlider->value() + ProgramStates::getIntAttr(IntSlot::REPLAY_STEP);
-        if (ProgramStates::getIntAttr(IntSlot::REPLAY_STEP) != 1)
-            camera.setReplayPosition(position);
-        replaySlider->setValue(position);
-    } else {
-        camera.setReplayPosition(replaySlider->value());
+// Before a replay grab: while playing, the step is added to the slider (a step of 1 leaves the
+// camera to move on by itself); while paused, the camera goes back to the slider's frame, which
+// holds it there.
+void InputThreadModul::followReplay(bool paused, int step) {
+    if (!isFile) return;
+    if (paused) {
+        camera.setReplayPosition(replaySlider);
+    } else if (step != 1) {
+        const int position = replaySlider + step;
+        camera.setReplayPosition(position);
+        replaySlider = position;
     }
 }
 
 int InputThreadModul::grabOnce(bool singleSensor) {
     std::lock_guard<std::mutex> lock(grabMutex);
     const bool paused = ProgramStates::getBoolAttr(BoolSlot::PAUSE);
-    followReplay(paused);
+    const int step = ProgramStates::getIntAttr(IntSlot::REPLAY_STEP);
+    followReplay(paused, step);
     if (paused && !isFile) return bw::SUCCESS;
     if (singleSensor) return cameraOne.grab();
-    return camera.grab(
-        bw::RuntimeParameters(true, false, 95, 100, bw::REFERENCE_FRAME::CAMERA, true));
+    const int result =
+        camera.grab(bw::RuntimeParameters(true, false, 95, 100, bw::REFERENCE_FRAME::CAMERA, true));
+    // With a step of 1 the slider follows the camera, which moves on only when a frame was due.
+    if (isFile && !paused && step == 1) replaySlider = camera.getReplayPosition();
+    return result;
+}
+
+// A replay loops: past its last frame it starts again from the first.
+void InputThreadModul::rewindAtTheEnd() {
+    std::lock_guard<std::mutex> lock(grabMutex);
+    if (camera.getReplayPosition() < frameCount) return;
+    replaySlider = 0;
+    camera.setReplayPosition(0);
 }
 
 void InputThreadModul::run() {
@@ -211,10 +245,6 @@ void InputThreadModul::run() {
         } else if (result != bw::SUCCESS) {
             pauseMs(1);
         }
-        if (isFile && replaySlider != nullptr && !ProgramStates::getBoolAttr(BoolSlot::PAUSE) &&
-            camera.getReplayPosition() >= frameCount) {
-            replaySlider->setValue(0);
-            camera.setReplayPosition(0);
-        }
+        if (isFile && !ProgramStates::getBoolAttr(BoolSlot::PAUSE)) rewindAtTheEnd();
     }
 }

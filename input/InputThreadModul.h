@@ -9,8 +9,6 @@
 #include <cstdint>
 #include <mutex>
 
-class QAbstractSlider;
-
 class InputThreadModul : public QThread {
     Q_OBJECT
 
@@ -41,6 +39,17 @@ public:
     unsigned getModel() const;
     unsigned getSerialNum() const;
 
+    // Replay of a recording opened with replay(). The position is the replay slider's value:
+    // the grab loop moves it on while playing; seekReplay() moves it and the camera at once.
+    bool isReplaying() const { return isFile; }
+    int replayPosition() const { return replaySlider; }
+    int replayFrameCount() const { return frameCount; }
+    void seekReplay(int frame);
+    void setReplaySpeed(float factor);
+    // Recorded time of a frame, and of the frame shown now, in ns.
+    bw::Timestamp replayTimestamp(int frame) const;
+    bw::Timestamp shownFrameTimestamp() const;
+
     bw::Camera& stereoCamera() { return camera; }
     bw::CameraOne& singleCamera() { return cameraOne; }
     bool isStereoOpen() const { return stereoOpen; }
@@ -63,11 +72,14 @@ private:
     void keepStereoFacts();
     bool waitForStart();
     int grabOnce(bool singleSensor);
-    void followReplay(bool paused);
+    void followReplay(bool paused, int step);
+    void rewindAtTheEnd();
 
     bw::CUcontext cudaContext = nullptr;
-    QAbstractSlider* replaySlider = nullptr;
-    int frameCount = 0;
+    // Written by the grab thread and read by the window, hence a plain atomic position rather
+    // than a slider widget.
+    std::atomic<int> replaySlider{0};
+    std::atomic<int> frameCount{0};
     bw::Camera camera;
     std::atomic<bool> stereoOpen{false};
     bw::CameraOne cameraOne;

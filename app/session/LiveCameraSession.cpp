@@ -3,6 +3,7 @@
 #include <pthread.h>
 
 #include "InputThreadModul.h"
+#include "programstates.h"
 
 LiveCameraSession::LiveCameraSession(std::mutex& cameraLayerLock_, QObject* parent)
     : QObject(parent), cameraLayerLock(cameraLayerLock_) {}
@@ -27,6 +28,10 @@ int LiveCameraSession::open(const Camera& camera) {
 int LiveCameraSession::openAs(const ModelInfo& listed, const Camera& camera) {
     // Device polling must not query the cameras while one is being opened.
     std::lock_guard<std::mutex> lock(cameraLayerLock);
+    if (!camera.recording.isEmpty()) {
+        ProgramStates::qstringAttr(StringSlot::REPLAY_PATH) = camera.recording;
+        return module->replay(camera.recording);
+    }
     switch (listed.opening) {
         case Opening::BY_SERIAL:
             return module->live(camera.serial);

@@ -16,6 +16,8 @@
 #include <mutex>
 #include <thread>
 
+#include <QString>
+
 #include "CameraModels.h"
 #include "SampleIngest.h"
 #include "SensorSamples.h"
@@ -31,6 +33,7 @@ public:
         std::uint32_t id = 0;
         std::uint32_t serial = 0;
         std::uint32_t model = 0;
+        QString recording;  // path of a recording to replay; empty for a camera
     };
 
     using PoseListener = std::function<void(const SampleIngest::Pose&)>;

@@ -52,7 +52,9 @@ std::vector<DeviceProperties> listDevices(CameraClass cameraClass) {
         DeviceProperties p;
         p.camera_state = state->owner ? CAMERA_STATE::NOT_AVAILABLE : CAMERA_STATE::AVAILABLE;
         p.id = device->cameraId();
-        p.path = "/dev/video" + std::to_string(2 * device->cameraId());
+        const std::string& recording = state->config().recording;
+        p.path = recording.empty() ? "/dev/video" + std::to_string(2 * device->cameraId())
+                                   : recording;
         p.camera_model = device->model();
         p.serial_number = device->serial();
         p.bus_type = busOf(device->model());
@@ -67,7 +69,9 @@ CameraSession::Found CameraSession::find(const InputType& input) const {
     switch (input.source()) {
         case InputType::SOURCE::SERIAL_NUMBER: {
             auto device = BusAccess::find(input.serialNumber());
-            if (device && isOfClass(device->model(), class_)) {
+            // A camera that replays a recording opens from its file only.
+            if (device && isOfClass(device->model(), class_) &&
+                device->lock()->config().recording.empty()) {
                 return {device, SUCCESS};
             }
             return {};

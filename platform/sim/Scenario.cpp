@@ -26,6 +26,9 @@
 //   unplug=S            seconds after start when it is unplugged, after plug. Default: never.
 //   firmware=N          camera firmware version. Default 1523.
 //   sensor_firmware=N   sensor micro-controller firmware version. Default 777.
+//   replay=PATH         the camera replays a recording that the viewer wrote. It stands alone: the
+//                       rest of the camera's text is the path (blanks included), and the model
+//                       and serial come from the file's name.
 //   faults=F,F,...      faults to inject, any of:
 //       mag_saturated       the magnetometer's z axis reads exactly 2048 µT
 //       repeat_imu_ts       every other IMU record repeats the previous timestamp
@@ -57,6 +60,8 @@
 #include <set>
 #include <sstream>
 #include <string_view>
+
+#include "RecordingName.h"
 
 namespace bw::sim {
 namespace {
@@ -98,6 +103,7 @@ constexpr FaultName kFaultSwitches[] = {
     {"eeprom_write", &Faults::eepromWriteFails},
 };
 constexpr std::string_view kEepromReadback = "eeprom_readback";
+constexpr std::string_view kReplayKey = "replay";
 
 const char* const kKeys[] = {"model",    "serial",          "id",        "motion", "seed",
                              "imu_rate", "hard_iron",       "soft_iron", "plug",   "unplug",
@@ -190,6 +196,9 @@ private:
         const std::string_view key = word.substr(0, equals);
         const std::string_view value = word.substr(equals + 1);
         if (key.empty()) return fail("missing key in " + quoted(word));
+        if (key == kReplayKey) {
+            return fail("replay=PATH stands alone in its camera, without other keys");
+        }
         if (std::find(std::begin(kKeys), std::end(kKeys), key) == std::end(kKeys)) {
             return fail("unknown key " + quoted(key) + " in " + quoted(word));
         }
@@ -371,6 +380,28 @@ std::string findDuplicateSerial(const std::vector<DeviceConfig>& cameras,
     return {};
 }
 
+// "replay=PATH": a camera that replays the recording at PATH.
+std::optional<DeviceConfig> replayedCamera(std::string_view segment, int position) {
+    const std::vector<std::string_view> parts = words(segment);
+    if (parts.empty() || parts.front().substr(0, kReplayKey.size() + 1) != "replay=")
+        return std::nullopt;
+    const std::size_t start = segment.find('=') + 1;
+    std::string_view path = segment.substr(start);
+    while (!path.empty() && std::isspace(static_cast<unsigned char>(path.back())))
+        path.remove_suffix(1);
+    DeviceConfig camera;
+    camera.recording = std::string(path);
+    camera.cameraId = position;
+    camera.serial = DeviceConfig::defaultSerial(camera.model, position);
+    if (const auto named = recording::cameraNamedIn(camera.recording)) {
+        for (const ModelName& m : kModels) {
+            if (named->model == m.name) camera.model = m.model;
+        }
+        if (named->serial != 0) camera.serial = named->serial;
+    }
+    return camera;
+}
+
 }  // namespace
 
 ScenarioParseResult parseScenario(const std::string& text) {
@@ -378,7 +409,13 @@ ScenarioParseResult parseScenario(const std::string& text) {
     std::vector<std::string> serialWords;
     for (std::string_view segment : split(text, ';')) {
         if (isBlank(segment)) continue;
-        CameraParser parser(static_cast<int>(result.cameras.size()));
+        const int position = static_cast<int>(result.cameras.size());
+        if (std::optional<DeviceConfig> replayed = replayedCamera(segment, position)) {
+            result.cameras.push_back(*replayed);
+            serialWords.emplace_back();
+            continue;
+        }
+        CameraParser parser(position);
         if (!parser.parse(segment)) {
             result.error = parser.error();
             result.cameras.clear();

@@ -47,10 +47,16 @@ public:
     CUcontext getCUDAContext() const;  // null: no GPU back end here
     Timestamp getTimestamp(TIME_REFERENCE reference) const;
 
-    // Position control of a replayed recording (unused for live cameras).
+    // Position control of a replayed recording (unused for live cameras). A replay's frames are
+    // the recording's rows; each grab hands out the frame at the position and moves on by one,
+    // answering END_OF_RECORDING_FILE past the last. Seeking to the frame just grabbed holds it.
     int getReplayPosition() const;
     void setReplayPosition(int frame);
     int getReplayFrameCount() const;
+    // Playback pace relative to the recorded timestamps (1 = as recorded).
+    void setReplaySpeed(float factor);
+    // Recorded IMU timestamp of a frame; 0 outside the recording.
+    Timestamp getReplayTimestamp(int frame) const;
 
     struct Impl;
 

@@ -64,6 +64,9 @@ struct DeviceConfig {
     // Seconds after the simulation starts; unplugAt absent: stays plugged.
     double plugAt = 0.0;
     std::optional<double> unplugAt;
+    // Path of a recording that this camera replays; empty for a simulated live camera. Listed
+    // with the path as its device path, it opens only from the file.
+    std::string recording;
 
     Faults faults;
 
