@@ -84,14 +84,6 @@ int foreignPixels(const QImage& view) {
     return n;
 }
 
-int countNear(const QImage& image, const QColor& colour, int tolerance) {
-    int n = 0;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            n += composed::distance(image.pixelColor(x, y), colour) <= tolerance ? 1 : 0;
-    return n;
-}
-
 // The brightest pixel of the outermost three across the middle of one edge of the view: the
 // frame's 1 px line, wherever rasterisation put it. (The bottom line lies on the view's last
 // pixel boundary, and without multisampling it falls outside; the other three always show.)
@@ -187,7 +179,7 @@ private slots:
         for (const composed::Shot& shot : composed::grabBoth(&w)) {
             const QImage view = composed::region(shot.image, &w, w.form()->widget_3d_view);
             const QImage inner = view.copy(view.rect().adjusted(3, 3, -3, -3));
-            const int lime = countNear(inner, kLime, 10);
+            const int lime = composed::countNear(inner, kLime, 10);
             QVERIFY2(lime > 1000,
                      qPrintable(QString("%1: %2 lime pixels").arg(shot.how).arg(lime)));
             const int foreign = foreignPixels(inner);
