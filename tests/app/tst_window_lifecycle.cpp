@@ -152,7 +152,6 @@ private slots:
         QTest::addColumn<unsigned>("firmware");
         QTest::addColumn<bool>("warned");
         QTest::newRow("1141") << 1141u << true;
-        QTest::newRow("900") << 900u << true;
         QTest::newRow("1142") << 1142u << false;
     }
     void oldCameraFirmwareWarnsAndTheCameraIsStillUsed() {
@@ -204,6 +203,8 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
     }
 
+    // The first unplug tears down once and clears the readout; a replug opens again, and a
+    // hundred cycles leave no thread behind.
     void unplugTearsDownOnceAndReplugOpensAgain() {
         const bw::sim::DeviceConfig camera = simulatedCamera(MODEL::ORYX_D);
         PacedVirtualTime time({camera});
@@ -233,28 +234,19 @@ private slots:
 
         bw::sim::Bus::instance().replug(camera.serial);
         QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
-    }
 
-    void aHundredUnplugReplugCycles() {
-        const bw::sim::DeviceConfig camera = simulatedCamera(MODEL::ORYX_D);
-        PacedVirtualTime time({camera});
-        MainWindow w;
-        w.show();
-        int threadsAfterFirstCycle = 0;
+        const int threads = threadCount();
         const int cycles = qEnvironmentVariableIntValue("ORYX_REPLUG_CYCLES") > 0
                                ? qEnvironmentVariableIntValue("ORYX_REPLUG_CYCLES")
                                : 100;
-        for (int cycle = 0; cycle < cycles; ++cycle) {
-            QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
-            if (cycle == 1) threadsAfterFirstCycle = threadCount();
+        for (int cycle = 1; cycle < cycles; ++cycle) {
             bw::sim::Bus::instance().unplug(camera.serial);
             QTRY_VERIFY_WITH_TIMEOUT(w.isDetecting() && w.input() == nullptr, kOpenTimeoutMs);
             QVERIFY(!w.isSampling());
             bw::sim::Bus::instance().replug(camera.serial);
+            QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
         }
-        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
-        if (cycles > 1)
-            QTRY_VERIFY_WITH_TIMEOUT(threadCount() <= threadsAfterFirstCycle, kOpenTimeoutMs);
+        QTRY_VERIFY_WITH_TIMEOUT(threadCount() <= threads, kOpenTimeoutMs);
     }
 
     void closingWhileSamplingReleasesTheCamera() {

@@ -112,7 +112,7 @@ private slots:
         QCOMPARE(paintsOver(3), 1);
     }
 
-    void theViewpointIsDrawnAtOnce() {
+    void aNewViewpointOrSizeIsDrawnOnce() {
         showView(RenderPath::Software);
         paintsOver(2);
         QTest::keyClick(view, Qt::Key_Up);
@@ -120,11 +120,6 @@ private slots:
         QTest::keyClick(view, Qt::Key_R);
         QCOMPARE(paintsOver(3), 1);
         QCOMPARE(paintsOver(3), 0);
-    }
-
-    void aNewSizeIsDrawnOnce() {
-        showView(RenderPath::Software);
-        paintsOver(2);
         counter->paints = 0;
         view->resize(500, 300);
         QTRY_VERIFY(counter->paints >= 1);
