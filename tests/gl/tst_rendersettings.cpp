@@ -1,5 +1,6 @@
 // Which GL settings start-up chooses: from the renderer a probe context names, unless the
-// ORYX_GL_RENDERING override says otherwise; and what it installs for the GL views to come.
+// ORYX_GL_RENDERING override says otherwise. What it installs for the running view is checked
+// on the main window.
 #include <QSurfaceFormat>
 #include <QtTest>
 
@@ -63,40 +64,6 @@ private slots:
         QFETCH(QString, overrideText);
         QFETCH(RenderPath, path);
         QCOMPARE(chooseRenderPath(renderer, parseRenderingOverride(overrideText)), path);
-    }
-
-    // What start-up leaves behind for the GL widgets made after it, with the renderer a probe
-    // would name.
-    void startUpInstallsTheChoice_data() {
-        QTest::addColumn<QByteArray>("variable");
-        QTest::addColumn<bool>("onLlvmpipe");
-        QTest::addColumn<RenderPath>("path");
-        QTest::newRow("unset, llvmpipe") << QByteArray() << true << RenderPath::Software;
-        QTest::newRow("unset, GPU") << QByteArray() << false << RenderPath::Hardware;
-        QTest::newRow("software, GPU") << QByteArray("software") << false << RenderPath::Software;
-        QTest::newRow("hardware, llvmpipe")
-            << QByteArray("hardware") << true << RenderPath::Hardware;
-        QTest::newRow("invalid, llvmpipe") << QByteArray("fast") << true << RenderPath::Software;
-    }
-
-    void startUpInstallsTheChoice() {
-        QFETCH(QByteArray, variable);
-        QFETCH(bool, onLlvmpipe);
-        QFETCH(RenderPath, path);
-        if (variable.isNull())
-            qunsetenv(kRenderingVariable);
-        else
-            qputenv(kRenderingVariable, variable);
-        // The opposite settings first, so that nothing passes by being left over.
-        const RenderPath other =
-            path == RenderPath::Software ? RenderPath::Hardware : RenderPath::Software;
-        installRenderSettings(RenderSettings::forPath(other));
-
-        const RenderSettings chosen =
-            setUpGlRendering(onLlvmpipe ? &llvmpipeRenderer : &nvidiaRenderer);
-        QCOMPARE(chosen.path, path);
-        QCOMPARE(RenderSettings::active().path, path);
-        QCOMPARE(QSurfaceFormat::defaultFormat().samples(), RenderSettings::forPath(path).samples);
     }
 };
 
