@@ -9,6 +9,7 @@
 
 #include "ComposedWindow.h"
 #include "OGL3DWidget.h"
+#include "PaintCounter.h"
 #include "RenderSettings.h"
 #include "RendererProbe.h"
 #include "SimulatedCameras.h"
@@ -23,18 +24,6 @@ namespace {
 constexpr int kTimeoutMs = 10000;
 
 QString gpuRenderer() { return QStringLiteral("NVIDIA Tegra Orin (nvgpu)/integrated"); }
-
-class PaintCounter : public QObject {
-public:
-    explicit PaintCounter(QWidget* w) { w->installEventFilter(this); }
-    int paints = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Paint) ++paints;
-        return false;
-    }
-};
 
 }  // namespace
 

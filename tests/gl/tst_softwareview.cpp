@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "OGL3DWidget.h"
+#include "PaintCounter.h"
 #include "RenderSettings.h"
 #include "RendererProbe.h"
 #include "WidgetTestMain.h"
@@ -13,18 +14,6 @@
 namespace {
 
 constexpr int kTickMs = 40;  // the main window's image timer
-
-class PaintCounter : public QObject {
-public:
-    explicit PaintCounter(QWidget* w) { w->installEventFilter(this); }
-    int paints = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Paint) ++paints;
-        return false;
-    }
-};
 
 bw::Orientation turnAboutY(float degrees) {
     return bw::Orientation(bw::Rotation(degrees * 3.14159265f / 180.f, bw::Translation(0, 1, 0)));

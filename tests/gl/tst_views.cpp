@@ -82,15 +82,10 @@ private slots:
         QCOMPARE(
             countNear(img.copy(5, 5, img.width() - 10, img.height() - 10), QColor(25, 25, 25), 0),
             (img.width() - 10) * (img.height() - 10));
-        // The grey frame (RGB 60, 60, 60) lies within the outermost two pixels on the left
-        // and at the top.
-        auto greyest = [&](QPoint a, QPoint b) {
-            return std::max(img.pixelColor(a), img.pixelColor(b),
-                            [](QColor l, QColor r) { return l.red() < r.red(); });
-        };
-        QCOMPARE(greyest({0, 150}, {1, 150}), QColor(60, 60, 60));
-        QCOMPARE(greyest({200, 0}, {200, 1}), QColor(60, 60, 60));
-        // The corners are blended into the background.
+        // The grey frame (60) lies within the outermost two pixels on the left and at the top;
+        // the corners are blended into the background.
+        QCOMPARE(std::max(img.pixelColor(0, 150).red(), img.pixelColor(1, 150).red()), 60);
+        QCOMPARE(std::max(img.pixelColor(200, 0).red(), img.pixelColor(200, 1).red()), 60);
         QCOMPARE(img.pixelColor(0, 0), QColor(25, 25, 25));
         QVERIFY(!view->isInitialised());
     }
