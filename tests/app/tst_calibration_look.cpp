@@ -12,6 +12,7 @@
 #include "ComposedWindow.h"
 #include "MessageBoxWatcher.h"
 #include "SimulatedCameras.h"
+#include "SimulatedMcu.h"
 #include "WidgetTestMain.h"
 #include "magcalibdlg.h"
 #include "mainwindow.h"
@@ -23,32 +24,20 @@ constexpr int kTimeoutMs = 10000;
 // Only a guard against a dialog that never shows the awaited status.
 constexpr int kDialogGuardMs = 30000;
 
-std::unique_ptr<bw::ORYXmcu> openMcu(unsigned serial) {
-    auto mcu = std::make_unique<bw::ORYXmcu>(false, bw::ORYX_USB_VENDOR_ID,
-                                             bw::MODEL(serial / 10'000'000), false, "");
-    if (mcu->open(serial, false, bw::IMU_ODR_400HZ, nullptr, nullptr, true, false) != 0)
-        return nullptr;
-    return mcu;
-}
-
 // Stores the calibration that undoes the camera's distortion, with the scale of one axis off by
 // `scaleError` (0.05 is 5 %): the further off, the worse the device rates it.
 void storeCalibration(const bw::sim::DeviceConfig& camera, float scaleError) {
-    auto mcu = openMcu(camera.serial);
+    auto mcu = simmcu::openMcu(camera.serial);
     QVERIFY(mcu);
-    bw::_mag_calib_data c;
-    c.scale_d0 = (1.f + scaleError) / camera.softIronScale.x;
-    c.scale_d1 = 1.f / camera.softIronScale.y;
-    c.scale_d2 = 1.f / camera.softIronScale.z;
-    c.offset_d0 = camera.hardIronOffset.x;
-    c.offset_d1 = camera.hardIronOffset.y;
-    c.offset_d2 = camera.hardIronOffset.z;
+    const auto& soft = camera.softIronScale;
+    bw::_mag_calib_data c = simmcu::magCalibration(
+        {(1.f + scaleError) / soft.x, 1.f / soft.y, 1.f / soft.z}, camera.hardIronOffset);
     QCOMPARE(mcu->writeMagCalibInEEprom(c), 0);
 }
 
 // What the device reports about its stored calibration, with a moment of samples to go on.
 bw::_imu_pose_data deviceRating(unsigned serial) {
-    auto mcu = openMcu(serial);
+    auto mcu = simmcu::openMcu(serial);
     if (!mcu || mcu->startCapture(0.f) != 0) return {};
     bw::sim::Clock::advanceBy(50'000'000ull);
     return mcu->getIMUPose(6);
@@ -69,7 +58,9 @@ class TestCalibrationLook : public QObject {
     Q_OBJECT
 
     // Opens the calibration dialog the way a user does and, once its status label reads
-    // `status`, hands pictures of it to `look` before leaving it.
+    // `status`, hands pictures of it to `look` before leaving it. The window lets the camera go
+    // while the dialog runs (the dialog talks to the micro-controller itself) and takes it back
+    // when the dialog closes.
     static void inDialog(
         const QString& status,
         const std::function<void(MagCalibDlg&, const QVector<composed::Shot>&)>& look) {
@@ -79,7 +70,7 @@ class TestCalibrationLook : public QObject {
         QTRY_VERIFY_WITH_TIMEOUT(w.input() != nullptr && w.isSampling(), kTimeoutMs);
         w.form()->pushButton_mag->click();
 
-        bool looked = false;
+        bool looked = false, cameraReleased = false;
         QTimer driver;
         connect(&driver, &QTimer::timeout, [&] {
             auto* dialog = w.findChild<MagCalibDlg*>();
@@ -87,6 +78,7 @@ class TestCalibrationLook : public QObject {
             auto* label = dialog->findChild<QLabel*>("label_mag_calib_quality");
             if (label->text() != status) return;
             driver.stop();
+            cameraReleased = w.input() == nullptr && !w.isSampling();
             look(*dialog, composed::grabBoth(dialog));
             looked = true;
             dialog->findChild<QPushButton*>("pushButton_exit")->click();
@@ -100,6 +92,9 @@ class TestCalibrationLook : public QObject {
         w.form()->pushButton_calib_mag->click();  // runs the dialog until it is left
         QVERIFY2(looked, qPrintable("the dialog never showed " + status));
         QVERIFY(boxes.shown().isEmpty());
+        QVERIFY(cameraReleased);
+        QTRY_VERIFY_WITH_TIMEOUT(w.input() != nullptr && w.isSampling(), kTimeoutMs);
+        QVERIFY(w.findChild<MagCalibDlg*>() == nullptr);
     }
 
 private slots:

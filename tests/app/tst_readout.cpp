@@ -105,12 +105,6 @@ private slots:
         QCOMPARE(chart::imuStartIndex(size, seconds, 400), start);
     }
 
-    void eventWindowHasNoMargin() {
-        QCOMPARE(chart::eventStartIndex(1000, 10, 50), 500);
-        QCOMPARE(chart::eventStartIndex(400, 10, 50), 0);
-        QCOMPARE(chart::eventStartIndex(250, 10, 25), 0);
-    }
-
     void redrawSlowsDownWithMorePoints_data() {
         QTest::addColumn<int>("count");
         QTest::addColumn<int>("period");

@@ -7,7 +7,9 @@
 #include <QScreen>
 #include <QtTest>
 
+#include "ComposedWindow.h"
 #include "OGL3DWidget.h"
+#include "PaintCounter.h"
 #include "RenderSettings.h"
 #include "RendererProbe.h"
 #include "SimulatedCameras.h"
@@ -22,31 +24,6 @@ namespace {
 constexpr int kTimeoutMs = 10000;
 
 QString gpuRenderer() { return QStringLiteral("NVIDIA Tegra Orin (nvgpu)/integrated"); }
-
-class PaintCounter : public QObject {
-public:
-    explicit PaintCounter(QWidget* w) { w->installEventFilter(this); }
-    int paints = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Paint) ++paints;
-        return false;
-    }
-};
-
-// Pixels whose red, green and blue each lie within tol of the colour's.
-int countNear(const QImage& img, QColor c, int tol) {
-    int n = 0;
-    for (int y = 0; y < img.height(); ++y) {
-        for (int x = 0; x < img.width(); ++x) {
-            const QColor p = img.pixelColor(x, y);
-            n += std::abs(p.red() - c.red()) <= tol && std::abs(p.green() - c.green()) <= tol &&
-                 std::abs(p.blue() - c.blue()) <= tol;
-        }
-    }
-    return n;
-}
 
 }  // namespace
 
@@ -136,6 +113,7 @@ private slots:
                                  ->grabWindow(0, area.x(), area.y(), area.width(), area.height())
                                  .toImage();
         QCOMPARE(shown.size(), area.size());
+        using composed::countNear;
         QVERIFY(countNear(shown, QColor(217, 255, 66), 10) > 500);  // lime grid
         QVERIFY(countNear(shown, QColor(255, 87, 87), 10) > 100);   // X axis
         QVERIFY(countNear(shown, QColor(0, 190, 255), 10) > 100);   // Z axis

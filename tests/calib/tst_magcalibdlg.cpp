@@ -4,8 +4,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QtTest>
-#include <algorithm>
-#include <bw/Camera.hpp>
 #include <bw/ORYXmcu.hpp>
 #include <bw/sim/Bus.hpp>
 #include <bw/sim/Clock.hpp>
@@ -13,7 +11,7 @@
 #include <memory>
 
 #include "MessageBoxWatcher.h"
-#include "SensorTimeline.hpp"
+#include "SimulatedMcu.h"
 #include "WidgetTestMain.h"
 #include "magcalibdlg.h"
 
@@ -21,6 +19,7 @@ using bw::MODEL;
 using bw::sim::Bus;
 using bw::sim::Clock;
 using bw::sim::DeviceConfig;
+using namespace simmcu;
 
 namespace {
 
@@ -38,11 +37,6 @@ const QString kCannotOpen = QStringLiteral(
 const QString kStoreError =
     QStringLiteral("An error occurred while saving calibration parameters. Please retry.");
 const QString kReadError = QStringLiteral("Error retrieving sensors data");
-const QString kStoreQuestion = QStringLiteral(
-    "Pressing OK the current Magnetometer Calibration setting will be overwritten. Continue?");
-const QString kExitQuestion = QStringLiteral(
-    "Calibration parameters have not been saved on camera.\nClosing the window all the data will "
-    "be lost.\nContinue?");
 
 DeviceConfig tumblingD(MODEL model = MODEL::ORYX_D, unsigned serial = kSerial) {
     DeviceConfig c;
@@ -53,22 +47,6 @@ DeviceConfig tumblingD(MODEL model = MODEL::ORYX_D, unsigned serial = kSerial) {
     c.hardIronOffset = {23.f, -14.f, 9.f};
     c.softIronScale = {1.08f, 0.93f, 1.02f};
     return c;
-}
-
-// Strength of the field the simulated camera measures, from its true field.
-double earthFieldUt(const DeviceConfig& config) {
-    bw::sim::SensorTimeline timeline(config, Clock::kVirtualEpochNs);
-    timeline.advanceTo(Clock::kVirtualEpochNs + 100 * kMs);
-    const auto f = timeline.magAt(UINT64_MAX)->trueField;
-    return std::sqrt(double(f.x) * f.x + double(f.y) * f.y + double(f.z) * f.z);
-}
-
-std::unique_ptr<bw::ORYXmcu> openMcu(unsigned serial) {
-    auto mcu = std::make_unique<bw::ORYXmcu>(false, bw::ORYX_USB_VENDOR_ID,
-                                             MODEL(serial / 10'000'000), false, "");
-    if (mcu->open(serial, false, bw::IMU_ODR_400HZ, nullptr, nullptr, true, false) != 0)
-        return nullptr;
-    return mcu;
 }
 
 struct Stored {
@@ -88,19 +66,6 @@ Stored readEeprom(unsigned serial) {
     }
     s.calibStored = e.mag_calib_stored;
     return s;
-}
-
-void writeEeprom(unsigned serial, const float scale[3], const float offset[3]) {
-    auto mcu = openMcu(serial);
-    QVERIFY(mcu);
-    bw::_mag_calib_data c;
-    c.scale_d0 = scale[0];
-    c.scale_d1 = scale[1];
-    c.scale_d2 = scale[2];
-    c.offset_d0 = offset[0];
-    c.offset_d1 = offset[1];
-    c.offset_d2 = offset[2];
-    QCOMPARE(mcu->writeMagCalibInEEprom(c), 0);
 }
 
 // Virtual time with the given cameras; time moves only as far as a test allows. The cameras have
@@ -159,7 +124,7 @@ class TestMagCalibDlg : public QObject {
 private slots:
     void init() { QVERIFY(!Clock::isVirtual()); }
 
-    void calibrationOfATumblingCameraIsStoredAndApplied() {
+    void calibrationOfATumblingCameraIsStoredAndJudgedGood() {
         const DeviceConfig config = tumblingD();
         Sim sim({config});
         MessageBoxWatcher boxes({"Ok"});
@@ -170,7 +135,6 @@ private slots:
         auto* save = child<QPushButton>(dlg, "pushButton_save_calib");
         auto* reset = child<QPushButton>(dlg, "pushButton_reset");
         auto* status = child<QLabel>(dlg, "label_mag_calib_quality");
-        QCOMPARE(start->text(), QString(" Start Calibration"));
 
         // Nothing stored yet: the device says so once a sample arrives.
         sim.allowUntil(200 * kMs);
@@ -178,11 +142,7 @@ private slots:
         QCOMPARE(dlg.rawSampleCount(), 0);  // live only, nothing collected before start
 
         start->click();
-        QCOMPARE(boxes.shown().size(), 1);
-        QCOMPARE(boxes.shown()[0].title, QString("Calibration starting..."));
-        QCOMPARE(boxes.shown()[0].icon, QMessageBox::Information);
-        QVERIFY(boxes.shown()[0].text.startsWith("For a good calibration, start with three full"));
-        QCOMPARE(start->text(), QString(" Stop Calibration"));
+        QCOMPARE(boxes.shown().size(), 1);  // the instructions
         QVERIFY(!save->isEnabled());
         QVERIFY(!reset->isEnabled());
         QTRY_COMPARE(status->text(), QString("CALIBRATING"));
@@ -192,21 +152,19 @@ private slots:
         QVERIFY(dlg.calibratedSampleCount() > 100);
 
         start->click();  // stop
-        QCOMPARE(boxes.shown().last().title, QString("Calibration stopped"));
-        QCOMPARE(boxes.shown().last().text,
-                 QString("Press 'Store Calibration' to save the parameters on the camera and to "
-                         "apply the new calibration."));
         QVERIFY(!start->isChecked());
-        QCOMPARE(start->text(), QString(" Continue Calibration"));
         QVERIFY(save->isEnabled() && reset->isEnabled());
         QVERIFY(dlg.hasCalibrationToStore());
         QVERIFY(dlg.calibratedSampleCount() >= 1800);  // the stop fits the whole set
         QTRY_COMPARE(status->text(), QString("CALIBRATION TO BE STORED"));
 
+        // Cancel in the store question writes nothing; Ok stores.
+        boxes.setAnswers({"Cancel"});
         save->click();
-        QCOMPARE(boxes.shown().last().text, kStoreQuestion);
-        QCOMPARE(boxes.shown().last().buttons, (QStringList{"Cancel", "Ok"}));
-        QCOMPARE(boxes.shown().last().title, QString("Warning!"));
+        QCOMPARE(readEeprom(kSerial).calibStored, 0);
+        QVERIFY(dlg.hasCalibrationToStore());
+        boxes.setAnswers({"Ok"});
+        save->click();
         QVERIFY(!dlg.hasCalibrationToStore());
         QCOMPARE(boxes.count(kStoreError), 0);
 
@@ -214,15 +172,11 @@ private slots:
         const double field = earthFieldUt(config);
         const Stored s = readEeprom(kSerial);
         QCOMPARE(s.calibStored, 1);
-        const float hard[3] = {config.hardIronOffset.x, config.hardIronOffset.y,
-                               config.hardIronOffset.z};
-        const float soft[3] = {config.softIronScale.x, config.softIronScale.y,
-                               config.softIronScale.z};
         for (int i = 0; i < 3; ++i) {
-            const double wantScale = 1.0 / (soft[i] * field);
-            QVERIFY2(
-                std::abs(s.offset[i] - hard[i]) < 0.01 * field,
-                qPrintable(QString("offset d%1 %2 vs %3").arg(i).arg(s.offset[i]).arg(hard[i])));
+            const double hard = config.hardIronOffset[i];
+            const double wantScale = 1.0 / (config.softIronScale[i] * field);
+            QVERIFY2(std::abs(s.offset[i] - hard) < 0.01 * field,
+                     qPrintable(QString("offset d%1 %2 vs %3").arg(i).arg(s.offset[i]).arg(hard)));
             QVERIFY2(
                 std::abs(s.scale[i] - wantScale) < 0.01 * wantScale,
                 qPrintable(QString("scale d%1 %2 vs %3").arg(i).arg(s.scale[i]).arg(wantScale)));
@@ -239,71 +193,23 @@ private slots:
         QVERIFY(!dlg.isVisible());
         QCOMPARE(dlg.result(), int(QDialog::Accepted));
         QVERIFY(!dlg.isGrabbing());
-
-        // The camera's own calibrated field now has a constant strength while it tumbles.
-        bw::Camera cam;
-        bw::InitParameters p;
-        p.input.setFromSerialNumber(kSerial);
-        QCOMPARE(int(cam.open(p)), int(bw::ERROR_CODE::SUCCESS));
-        std::vector<double> calibrated, raw;
-        bw::Timestamp last = 0;
-        for (int step = 0; step < 2000; ++step) {
-            Clock::advanceBy(10 * kMs);
-            bw::SensorsData d;
-            QCOMPARE(int(cam.getSensorsData(d, bw::TIME_REFERENCE::CURRENT)),
-                     int(bw::ERROR_CODE::SUCCESS));
-            if (!d.magnetometer.is_available || d.magnetometer.timestamp == last) continue;
-            last = d.magnetometer.timestamp;
-            const auto& c = d.magnetometer.magnetic_field_calibrated;
-            const auto& u = d.magnetometer.magnetic_field_uncalibrated;
-            QVERIFY(c.x != u.x || c.y != u.y || c.z != u.z);
-            calibrated.push_back(
-                std::sqrt(double(c.x) * c.x + double(c.y) * c.y + double(c.z) * c.z));
-            raw.push_back(std::sqrt(double(u.x) * u.x + double(u.y) * u.y + double(u.z) * u.z));
-        }
-        QVERIFY2(calibrated.size() > 200, qPrintable(QString::number(calibrated.size())));
-        // Largest departure from the mean strength, on averages of ten consecutive samples (a
-        // fifth of a second, a few degrees of turn) so that the sensor noise does not dominate.
-        auto variation = [](const std::vector<double>& m) {
-            double mean = 0.0;
-            for (double v : m) mean += v;
-            mean /= double(m.size());
-            double worst = 0.0;
-            for (std::size_t i = 0; i + 10 <= m.size(); ++i) {
-                double avg = 0.0;
-                for (std::size_t j = i; j < i + 10; ++j) avg += m[j];
-                worst = std::max(worst, std::abs(avg / 10.0 - mean) / mean);
-            }
-            return worst;
-        };
-        QVERIFY2(variation(calibrated) < 0.02, qPrintable(QString::number(variation(calibrated))));
-        QVERIFY2(variation(raw) > 0.05, qPrintable(QString::number(variation(raw))));  // distorted
     }
 
     void resetWritesTheIdentity() {
         Sim sim({tumblingD()});
-        const float scale[3] = {0.9f, 1.1f, 1.2f};
-        const float offset[3] = {5.f, -6.f, 7.f};
-        writeEeprom(kSerial, scale, offset);
+        bw::_mag_calib_data stored = magCalibration({0.9f, 1.1f, 1.2f}, {5.f, -6.f, 7.f});
+        QCOMPARE(openMcu(kSerial)->writeMagCalibInEEprom(stored), 0);
         MessageBoxWatcher boxes({"No"});
         MagCalibDlg dlg(int(kSerial), nullptr);
         dlg.show();
         // The stored calibration is loaded into the dialog's axes.
         double o[3], s[3];
         dlg.currentCalibration(o, s);
-        QCOMPARE(o[0], 6.0);
-        QCOMPARE(o[1], 5.0);
-        QCOMPARE(o[2], 7.0);
-        QCOMPARE(s[0], double(1.1f));
-        QCOMPARE(s[1], double(0.9f));
-        QCOMPARE(s[2], double(1.2f));
+        QVERIFY(o[0] == 6.0 && o[1] == 5.0 && o[2] == 7.0);
+        QVERIFY(s[0] == double(1.1f) && s[1] == double(0.9f) && s[2] == double(1.2f));
 
         auto* resetButton = child<QPushButton>(dlg, "pushButton_reset");
         resetButton->click();  // refused
-        QCOMPARE(boxes.shown().last().buttons, (QStringList{"No", "Yes"}));
-        QCOMPARE(boxes.shown().last().text,
-                 QString("Pressing OK the current Magnetometer Calibration setting will be "
-                         "lost.\nContinue?"));
         QCOMPARE(readEeprom(kSerial).scale[0], 0.9f);
 
         boxes.setAnswers({"Yes"});
@@ -330,23 +236,13 @@ private slots:
         QVERIFY(dlg.isGrabbing());  // capture goes on after the store
     }
 
-    void storeIsCancelledByCancel() {
-        Sim sim({tumblingD()});
-        MessageBoxWatcher boxes({"Cancel"});
-        MagCalibDlg dlg(int(kSerial), nullptr);
-        dlg.show();
-        child<QPushButton>(dlg, "pushButton_save_calib")->click();
-        QCOMPARE(boxes.shown().size(), 1);
-        QCOMPARE(readEeprom(kSerial).calibStored, 0);
-    }
-
     // The read-back that matches only at attempt k: the store succeeds up to k = 10 and fails
     // beyond, after exactly ten reads.
     void storeVerifiesInAtMostTenAttempts_data() {
         QTest::addColumn<int>("badReads");
         QTest::addColumn<bool>("succeeds");
         QTest::addColumn<int>("badReadsLeft");
-        for (int k = 1; k <= 10; ++k) QTest::addRow("match at attempt %d", k) << k - 1 << true << 0;
+        for (int k : {1, 2, 10}) QTest::addRow("match at attempt %d", k) << k - 1 << true << 0;
         QTest::newRow("never within ten") << 10 << false << 0;
         QTest::newRow("eleven bad reads") << 11 << false << 1;
     }
@@ -364,10 +260,6 @@ private slots:
         child<QPushButton>(dlg, "pushButton_save_calib")->click();
         QCOMPARE(boxes.count(kStoreError), succeeds ? 0 : 1);
         QCOMPARE(Bus::instance().faults(kSerial)->eepromBadReads, badReadsLeft);
-        if (!succeeds) {
-            QCOMPARE(boxes.shown().last().title, QString("Warning!"));
-            QCOMPARE(boxes.shown().last().icon, QMessageBox::Critical);
-        }
         QCOMPARE(readEeprom(kSerial).calibStored, 1);  // written either way
     }
 
@@ -381,12 +273,9 @@ private slots:
         sim.setFaults(f);
         child<QPushButton>(dlg, "pushButton_save_calib")->click();
         QCOMPARE(boxes.count(kStoreError), 1);
-        QCOMPARE(boxes.shown().last().icon, QMessageBox::Critical);
         QCOMPARE(readEeprom(kSerial).calibStored, 0);
-        // Reset fails the same way, with a warning icon.
-        child<QPushButton>(dlg, "pushButton_reset")->click();
+        child<QPushButton>(dlg, "pushButton_reset")->click();  // fails the same way
         QCOMPARE(boxes.count(kStoreError), 2);
-        QCOMPARE(boxes.shown().last().icon, QMessageBox::Warning);
         // The dialog stays usable and still reads the device.
         sim.setFaults({});
         QVERIFY(dlg.isGrabbing());
@@ -415,8 +304,6 @@ private slots:
         dlg.show();
         QVERIFY(!dlg.isGrabbing());
         QTRY_COMPARE_WITH_TIMEOUT(boxes.shown().size(), 1, kWaitMs);
-        QCOMPARE(boxes.shown()[0].title, QString("ORYX Camera error"));
-        QCOMPARE(boxes.shown()[0].icon, QMessageBox::Critical);
         QCOMPARE(boxes.shown()[0].text, kNotDetected.arg(asked));
 
         // Start tries again, fails again and stays idle.
@@ -425,22 +312,11 @@ private slots:
         QVERIFY(!start->isChecked());
         QVERIFY(!dlg.isAcquiring());
         QTRY_COMPARE_WITH_TIMEOUT(boxes.count(kNotDetected.arg(asked)), 2, kWaitMs);
-        QCOMPARE(boxes.count(QStringLiteral("Calibration starting...")), 0);
+        QCOMPARE(boxes.shown().size(), 2);  // no instructions
         QVERIFY(!dlg.isGrabbing());
         QCOMPARE(dlg.rawSampleCount(), 0);
         child<QPushButton>(dlg, "pushButton_exit")->click();
         QVERIFY(!dlg.isVisible());
-    }
-
-    void productIdZeroIsDerivedFromTheSerial() {
-        Sim sim({tumblingD()});
-        Bus::instance().setHidProductIdZero(kSerial, true);
-        MessageBoxWatcher boxes({"Ok"});
-        MagCalibDlg dlg(int(kSerial), nullptr);
-        dlg.show();
-        QVERIFY(dlg.isGrabbing());
-        QTest::qWait(50);  // a queued error would have been shown by now
-        QCOMPARE(boxes.shown().size(), 0);
     }
 
     void microControllerDoesNotOpen() {
@@ -453,7 +329,6 @@ private slots:
         dlg.show();
         QVERIFY(!dlg.isGrabbing());
         QTRY_COMPARE_WITH_TIMEOUT(boxes.count(kCannotOpen), 1, kWaitMs);
-        QCOMPARE(boxes.shown()[0].title, QString("ORYX Camera error"));
         child<QPushButton>(dlg, "pushButton_exit")->click();
         QVERIFY(!dlg.isVisible());
     }
@@ -471,8 +346,6 @@ private slots:
         sim.setFaults(f);
         QTRY_COMPARE_WITH_TIMEOUT(boxes.count(kReadError), 1, kWaitMs);
         QTRY_VERIFY_WITH_TIMEOUT(!dlg.isGrabbing(), kWaitMs);
-        QCOMPARE(boxes.shown().last().title, QString("ORYX Camera error"));
-        QCOMPARE(boxes.shown().last().icon, QMessageBox::Critical);
         QVERIFY(!start->isChecked());
         QCOMPARE(start->text(), QString(" Continue Calibration"));
 
@@ -487,30 +360,41 @@ private slots:
         QCOMPARE(boxes.count(kReadError), 1);
     }
 
-    void exitAsksWhileACalibrationIsUnstored() {
+    // A fit that is not stored: neither Escape nor a No to the exit question leaves the dialog.
+    // Clear Data forgets the set and the fit; a new fit asks again, and Yes leaves without
+    // writing anything.
+    void exitAsksWhileAFitIsUnstoredAndClearDataForgetsIt() {
         Sim sim({tumblingD()});
-        MessageBoxWatcher boxes({"Ok"});
+        MessageBoxWatcher boxes({"No", "Ok"});
         MagCalibDlg dlg(int(kSerial), nullptr);
         dlg.show();
-        collect(dlg, sim, 4 * kSecond, 150);
         auto* start = child<QPushButton>(dlg, "pushButton_start");
+        auto* exitButton = child<QPushButton>(dlg, "pushButton_exit");
+        collect(dlg, sim, 4 * kSecond, 150);
         start->click();  // stop: fits once
         QVERIFY(dlg.hasCalibrationToStore());
+        double o[3], s[3];
+        dlg.currentCalibration(o, s);
+        QVERIFY(s[0] != 1.0);
 
-        // Escape does not leave the dialog.
         QTest::keyClick(&dlg, Qt::Key_Escape);
         QVERIFY(dlg.isVisible());
-
-        auto* exitButton = child<QPushButton>(dlg, "pushButton_exit");
-        boxes.setAnswers({"No"});
         exitButton->click();
-        QCOMPARE(boxes.shown().last().title, QString("ORYX Magnetometer Calibration"));
-        QCOMPARE(boxes.shown().last().text, kExitQuestion);
-        QCOMPARE(boxes.shown().last().icon, QMessageBox::Question);
         QCOMPARE(boxes.shown().last().buttons, (QStringList{"No", "Yes"}));
         QVERIFY(dlg.isVisible());
         QVERIFY(dlg.isGrabbing());
 
+        child<QPushButton>(dlg, "pushButton_clear_data")->click();
+        QCOMPARE(dlg.rawSampleCount(), 0);
+        QCOMPARE(dlg.calibratedSampleCount(), 0);
+        QCOMPARE(dlg.lastRefitCount(), 0);
+        QVERIFY(!dlg.hasCalibrationToStore());
+        QCOMPARE(start->text(), QString(" Start Calibration"));
+        dlg.currentCalibration(o, s);
+        for (int i = 0; i < 3; ++i) QVERIFY(o[i] == 0.0 && s[i] == 1.0);
+
+        collect(dlg, sim, 8 * kSecond, 150);
+        start->click();
         boxes.setAnswers({"Yes"});
         exitButton->click();
         QVERIFY(!dlg.isVisible());
@@ -543,32 +427,6 @@ private slots:
                      qPrintable(QString("%1 -> %2").arg(previous).arg(dlg.lastRefitCount())));
             QCOMPARE(dlg.calibratedSampleCount(), dlg.lastRefitCount());
             previous = dlg.lastRefitCount();
-        }
-    }
-
-    void clearDataEmptiesTheSetAndForgetsTheFit() {
-        Sim sim({tumblingD()});
-        MessageBoxWatcher boxes({"Ok"});
-        MagCalibDlg dlg(int(kSerial), nullptr);
-        dlg.show();
-        collect(dlg, sim, 4 * kSecond, 150);
-        auto* start = child<QPushButton>(dlg, "pushButton_start");
-        start->click();
-        QVERIFY(dlg.hasCalibrationToStore());
-        double o[3], s[3];
-        dlg.currentCalibration(o, s);
-        QVERIFY(s[0] != 1.0);
-
-        child<QPushButton>(dlg, "pushButton_clear_data")->click();
-        QCOMPARE(dlg.rawSampleCount(), 0);
-        QCOMPARE(dlg.calibratedSampleCount(), 0);
-        QCOMPARE(dlg.lastRefitCount(), 0);
-        QVERIFY(!dlg.hasCalibrationToStore());
-        QCOMPARE(start->text(), QString(" Start Calibration"));
-        dlg.currentCalibration(o, s);
-        for (int i = 0; i < 3; ++i) {
-            QCOMPARE(o[i], 0.0);
-            QCOMPARE(s[i], 1.0);
         }
     }
 };

@@ -1,5 +1,5 @@
 // Scene objects drawn on a real GL context (an offscreen surface and a framebuffer object), the
-// viewer camera's maths, the mesh filler and the camera mesh tables.
+// viewer camera's maths and the mesh filler.
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QOpenGLFramebufferObject>
@@ -161,34 +161,6 @@ private slots:
         fillORYX(2, verts, tris, {1, 1, 1}, &obj);
         QCOMPARE(obj.getIndices().size(), std::size_t(9));
         QCOMPARE(obj.getVertices()[18 + 3 * 2], 7.f);
-    }
-
-    // Every triangle corner names an existing vertex and every vertex is used.
-    void meshTablesAreConsistent() {
-        auto check = [](int vertexCount, std::initializer_list<std::pair<const int*, size_t>> t) {
-            std::vector<int> used(vertexCount + 1, 0);
-            for (const auto& [table, bytes] : t) {
-                for (size_t i = 0; i < bytes / sizeof(int); ++i) {
-                    if (table[i] < 1 || table[i] > vertexCount) return false;
-                    used[table[i]] = 1;
-                }
-            }
-            return std::count(used.begin() + 1, used.end(), 1) == vertexCount;
-        };
-        using namespace ORYX_obj;
-        QVERIFY(check(sizeof vertices / sizeof(float) / 3,
-                      {{alluminiumTriangles, sizeof alluminiumTriangles},
-                       {darkTriangles, sizeof darkTriangles}}));
-        namespace b = ORYX_B_obj;
-        QVERIFY(check(sizeof b::vertices / sizeof(float) / 3,
-                      {{b::alluminiumTriangles, sizeof b::alluminiumTriangles},
-                       {b::alluminiumTriangles2, sizeof b::alluminiumTriangles2},
-                       {b::alluminiumTriangles3, sizeof b::alluminiumTriangles3},
-                       {b::darkTriangles, sizeof b::darkTriangles},
-                       {b::darkTriangles2, sizeof b::darkTriangles2},
-                       {b::greyTriangles, sizeof b::greyTriangles},
-                       {b::greyTriangles2, sizeof b::greyTriangles2},
-                       {b::yellowTriangles, sizeof b::yellowTriangles}}));
     }
 
     // ---- CameraGL ----------------------------------------------------------------------------

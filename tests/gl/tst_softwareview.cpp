@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "OGL3DWidget.h"
+#include "PaintCounter.h"
 #include "RenderSettings.h"
 #include "RendererProbe.h"
 #include "WidgetTestMain.h"
@@ -13,18 +14,6 @@
 namespace {
 
 constexpr int kTickMs = 40;  // the main window's image timer
-
-class PaintCounter : public QObject {
-public:
-    explicit PaintCounter(QWidget* w) { w->installEventFilter(this); }
-    int paints = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Paint) ++paints;
-        return false;
-    }
-};
 
 bw::Orientation turnAboutY(float degrees) {
     return bw::Orientation(bw::Rotation(degrees * 3.14159265f / 180.f, bw::Translation(0, 1, 0)));
@@ -112,7 +101,7 @@ private slots:
         QCOMPARE(paintsOver(3), 1);
     }
 
-    void theViewpointIsDrawnAtOnce() {
+    void aNewViewpointOrSizeIsDrawnOnce() {
         showView(RenderPath::Software);
         paintsOver(2);
         QTest::keyClick(view, Qt::Key_Up);
@@ -120,11 +109,6 @@ private slots:
         QTest::keyClick(view, Qt::Key_R);
         QCOMPARE(paintsOver(3), 1);
         QCOMPARE(paintsOver(3), 0);
-    }
-
-    void aNewSizeIsDrawnOnce() {
-        showView(RenderPath::Software);
-        paintsOver(2);
         counter->paints = 0;
         view->resize(500, 300);
         QTRY_VERIFY(counter->paints >= 1);

@@ -55,12 +55,6 @@ class TstViewFrame : public QObject {
     Q_OBJECT
 
 private slots:
-    void aFrameLooksLikeItself() {
-        QVERIFY(!looksDifferent(restingFrame(), restingFrame(), oryxBox()));
-        QVERIFY(
-            !looksDifferent(turned(restingFrame(), 30.f), turned(restingFrame(), 30.f), oryxBox()));
-    }
-
     void accelerometerNoiseIsNotWorthAFrame() {
         // 0.02 m/s² of noise on each axis of 9.81 m/s² tilts the measured direction by about
         // 0.002; a triad drawn from it would tremble by a fraction of a pixel.

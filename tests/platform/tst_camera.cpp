@@ -100,9 +100,6 @@ private slots:
         COMPARE_CODE(cam.open(byId(5)), bw::CAMERA_NOT_DETECTED);  // a single-sensor camera
 
         bw::CameraOne one;
-        bw::InitParametersOne wrongType = monoById(5);
-        wrongType.input.setFromCameraID(5, bw::BUS_TYPE::GMSL, bw::CAMERA_TYPE::STEREO);
-        COMPARE_CODE(one.open(wrongType), bw::CAMERA_NOT_DETECTED);
         COMPARE_CODE(one.open(monoById(5)), bw::SUCCESS);
         QVERIFY(one.isOpened());
         COMPARE_CODE(one.getCameraInformation().camera_model, MODEL::ORYX_SOLO_A);

@@ -10,22 +10,16 @@
 
 #include "SensorTimeline.hpp"
 #include "SimFixture.hpp"
+#include "SimulatedMcu.h"
 
 using namespace simtest;
+using namespace simmcu;
 using bw::MODEL;
 
 namespace {
 
 constexpr unsigned kSerialD = 30000001;
 constexpr double kPi = 3.14159265358979323846;
-
-std::unique_ptr<bw::ORYXmcu> openMcu(unsigned serial, int* result = nullptr) {
-    auto mcu = std::make_unique<bw::ORYXmcu>(false, bw::ORYX_USB_VENDOR_ID,
-                                             MODEL(serial / 10'000'000), false, "");
-    const int r = mcu->open(serial, false, bw::IMU_ODR_400HZ, nullptr, nullptr, true, false);
-    if (result) *result = r;
-    return mcu;
-}
 
 // Reader records with a new magnetometer sample, until the device has none left.
 std::vector<bw::_imu_reader_data> magRecords(bw::ORYXmcu& mcu) {
@@ -41,24 +35,6 @@ std::vector<bw::_imu_reader_data> magRecords(bw::ORYXmcu& mcu) {
         }
     }
     return out;
-}
-
-bw::_mag_calib_data calibration(bw::Vector3<float> scale, bw::Vector3<float> offset) {
-    bw::_mag_calib_data c;
-    c.scale_d0 = scale.x;
-    c.scale_d1 = scale.y;
-    c.scale_d2 = scale.z;
-    c.offset_d0 = offset.x;
-    c.offset_d1 = offset.y;
-    c.offset_d2 = offset.z;
-    return c;
-}
-
-float earthFieldUt(const DeviceConfig& config) {
-    bw::sim::SensorTimeline timeline(config, Clock::kVirtualEpochNs);
-    timeline.advanceTo(Clock::kVirtualEpochNs + 100 * kMs);
-    const auto f = timeline.magAt(UINT64_MAX)->trueField;
-    return std::sqrt(f.x * f.x + f.y * f.y + f.z * f.z);
 }
 
 const bw::HidDeviceRecord* findHid(const std::vector<bw::HidDeviceRecord>& list, unsigned serial) {
@@ -129,7 +105,7 @@ private slots:
         auto mcu = openMcu(kSerialD);
         QCOMPARE(mcu->updateEepromMemory(true), 0);
         QCOMPARE(mcu->eeprom().mag_calib_stored, std::uint8_t(0));
-        bw::_mag_calib_data c = calibration({0.9f, 1.1f, 1.2f}, {5.f, -6.f, 7.f});
+        bw::_mag_calib_data c = magCalibration({0.9f, 1.1f, 1.2f}, {5.f, -6.f, 7.f});
         QCOMPARE(mcu->writeMagCalibInEEprom(c), 0);
         mcu.reset();
 
@@ -166,7 +142,7 @@ private slots:
         const DeviceConfig cfg = *Bus::instance().config(kSerialD);
         const auto& soft = cfg.softIronScale;
         const auto& hard = cfg.hardIronOffset;
-        const float earth = kind == 3 ? 1.f : earthFieldUt(cfg);
+        const float earth = kind == 3 ? 1.f : float(earthFieldUt(cfg));
         bw::Vector3<float> scale{1.f / (soft.x * earth), 1.f / (soft.y * earth),
                                  1.f / (soft.z * earth)};
         bw::Vector3<float> offset = hard;
@@ -175,7 +151,7 @@ private slots:
         if (kind == 1) scale = {1.f, 1.f, 1.f}, offset = {0.f, 0.f, 0.f};
 
         const auto mcu = openMcu(kSerialD);
-        bw::_mag_calib_data c = calibration(scale, offset);
+        bw::_mag_calib_data c = magCalibration(scale, offset);
         if (kind != 0) QCOMPARE(mcu->writeMagCalibInEEprom(c), 0);
         QCOMPARE(mcu->startCapture(0.f), 0);
         Clock::advanceBy(100 * kMs);
@@ -260,11 +236,9 @@ private slots:
         QCOMPARE(result, int(bw::MCU_NOT_FOUND));
         openMcu(Bus::instance().serials()[2], &result);  // ORYX_E: no micro-controller
         QCOMPARE(result, int(bw::MCU_NOT_FOUND));
-        bw::ORYXmcu wrongModel(false, bw::ORYX_USB_VENDOR_ID, MODEL::ORYX_C, false, "");
-        QCOMPARE(wrongModel.open(kSerialD, false, bw::IMU_ODR_400HZ, nullptr, nullptr, true, false),
-                 int(bw::MCU_NOT_FOUND));
+        bw::ORYXmcu notOpen(false, bw::ORYX_USB_VENDOR_ID, MODEL::ORYX_D, false, "");
         bw::_mag_calib_data c;
-        QCOMPARE(wrongModel.writeMagCalibInEEprom(c), int(bw::MCU_NOT_OPEN));
+        QCOMPARE(notOpen.writeMagCalibInEEprom(c), int(bw::MCU_NOT_OPEN));
 
         const auto mcu = openMcu(kSerialD);
         QCOMPARE(mcu->getIMUReaderData().valid, std::uint8_t(0));  // not capturing yet

@@ -36,9 +36,6 @@ QImage shownImage(QWidget& widget) {
     return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
-// A point on the dial disc between the scale and the needle (lower left, away from both).
-QColor discColour(const QImage& image) { return image.pixelColor(image.width() / 3, 140); }
-
 }  // namespace
 
 class TestCalibPlots : public QObject {
@@ -99,12 +96,11 @@ private slots:
     }
 
     // The needle's red (north) half points to the heading, clockwise from up; the raw
-    // compass shows on a red disc at 0 whatever it is given.
+    // compass shows 0 whatever it is given. (The faces' colours are checked on the dialog.)
     void compassShowsHeading() {
         Compass compass;
         QImage image = shownImage(compass);
         QVERIFY(!image.isNull());
-        QCOMPARE(discColour(image), QColor(Qt::darkBlue));
         QPointF red = redCentroid(image);
         QVERIFY2(red.y() < -10 && std::abs(red.x()) < 3,
                  qPrintable(QString("%1,%2").arg(red.x()).arg(red.y())));
@@ -117,9 +113,6 @@ private slots:
         compass.setValue(200.0);
         compass.setRaw(true);
         QCOMPARE(compass.value(), 0.0);
-        QCOMPARE(discColour(compass.grab().toImage()), QColor(Qt::darkRed));
-        compass.setRaw(false);
-        QCOMPARE(discColour(compass.grab().toImage()), QColor(Qt::darkBlue));
     }
 };
 

@@ -80,6 +80,15 @@ inline int distance(const QColor& a, const QColor& b) {
                      std::abs(a.blue() - b.blue())});
 }
 
+// Pixels whose red, green and blue each lie within `tolerance` of the colour's.
+inline int countNear(const QImage& image, const QColor& colour, int tolerance = 3) {
+    int n = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            n += distance(image.pixelColor(x, y), colour) <= tolerance ? 1 : 0;
+    return n;
+}
+
 // The pixel that differs most from the background: the full colour of text drawn on it.
 inline QColor inkColour(const QImage& image, const QColor& background) {
     QColor ink = background;

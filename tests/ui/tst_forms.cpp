@@ -13,23 +13,6 @@ class TestForms : public QObject {
 private slots:
     void initTestCase() { initOryxResources(); }
 
-    // The calibration buttons' texts start with a blank that keeps them off their icons; the
-    // reset tip keeps its old spelling.
-    void calibrationTextsKeepTheirOddities() {
-        QDialog dialog;
-        Ui::MagCalibDlg ui;
-        ui.setupUi(&dialog);
-        QStringList texts;
-        for (QPushButton* button :
-             {ui.pushButton_start, ui.pushButton_clear_data, ui.pushButton_save_calib,
-              ui.pushButton_reset, ui.pushButton_exit}) {
-            texts << button->text();
-        }
-        QCOMPARE(texts, QStringList({" Start Calibration", " Clear Data", " Store Calibration",
-                                     " Reset Calibration", " Exit Calibration"}));
-        QVERIFY(ui.pushButton_reset->toolTip().endsWith("compensate magnetic distorsions."));
-    }
-
     // The calibration dialog and the header carry sheets from the designer; a sheet put in their
     // place before the first show is what appears on screen.
     void replacedDesignerSheetsShowOnScreen() {
