@@ -69,11 +69,20 @@ std::string problemWithValue(int field, std::string_view title, std::string_view
     }
 }
 
-std::string problemOpening(const std::string& path) {
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0 && errno == ENOENT) return "The file does not exist.";
-    if (::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) return "This is a folder.";
+std::string cannotRead() {
     return std::string("The file cannot be read: ") + std::strerror(errno) + ".";
+}
+
+// Why the file cannot be read at all; empty when it can.
+std::string problemReaching(const std::string& path) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) {
+        return errno == ENOENT
+                   ? "The file does not exist."
+                   : std::string("The file cannot be read: ") + std::strerror(errno) + ".";
+    }
+    if (S_ISDIR(info.st_mode)) return "This is a folder.";
+    return {};
 }
 
 }  // namespace
@@ -81,9 +90,10 @@ std::string problemOpening(const std::string& path) {
 std::unique_ptr<RecordingFile> RecordingFile::open(const std::string& path, Problem& problem) {
     std::unique_ptr<RecordingFile> file(new RecordingFile);
     file->path_ = path;
-    struct stat info {};
-    if (!file->lines_.open(path) || (::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode))) {
-        problem = {0, problemOpening(path)};
+    std::string unreachable = problemReaching(path);
+    if (unreachable.empty() && !file->lines_.open(path)) unreachable = cannotRead();
+    if (!unreachable.empty()) {
+        problem = {0, unreachable};
         return nullptr;
     }
     if (!file->readHeader(problem) || !file->scanRows(problem)) return nullptr;

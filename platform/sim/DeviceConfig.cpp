@@ -58,6 +58,20 @@ unsigned int DeviceConfig::defaultSerial(MODEL model, int index) {
            static_cast<unsigned int>(position % kOtherSerialPerModel);
 }
 
+std::optional<MODEL> modelNamed(std::string_view name) {
+    const auto sameIgnoringCase = [name](std::string_view other) {
+        return name.size() == other.size() &&
+               std::equal(name.begin(), name.end(), other.begin(),
+                          [](unsigned char a, unsigned char b) {
+                              return std::tolower(a) == std::tolower(b);
+                          });
+    };
+    for (const MODEL model : kModels) {
+        if (sameIgnoringCase(toString(model))) return model;
+    }
+    return std::nullopt;
+}
+
 SensorSet sensorsOf(MODEL model) {
     switch (model) {
         case MODEL::ORYX_C:

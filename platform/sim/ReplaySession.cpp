@@ -24,9 +24,6 @@ constexpr std::size_t kMostUnreadRows = 16'384;
 // where it is instead of rushing to catch up.
 constexpr std::uint64_t kMostLagNs = 250'000'000;
 
-constexpr MODEL kModels[] = {MODEL::ORYX,   MODEL::ORYX_B, MODEL::ORYX_C,      MODEL::ORYX_D,
-                             MODEL::ORYX_E, MODEL::ORYX_F, MODEL::ORYX_SOLO_A, MODEL::ORYX_SOLO_B};
-
 // The first model, stereo ones first, that carries every sensor group the file holds. The first
 // ORYX has no IMU, which every recording needs.
 MODEL modelWithSensorsOf(const recording::RecordingFile& file) {
@@ -55,9 +52,7 @@ ReplaySession::ReplaySession(std::unique_ptr<recording::RecordingFile> file)
     model_ = modelWithSensorsOf(*file_);
     serial_ = DeviceConfig::defaultSerial(model_, 0);
     if (const auto named = recording::cameraNamedIn(file_->path())) {
-        for (const MODEL model : kModels) {
-            if (named->model == toString(model)) model_ = model;
-        }
+        model_ = modelNamed(named->model).value_or(model_);
         serial_ = named->serial;
     }
     anchorAt(file_->firstImuTime(), Clock::nowNs());

@@ -66,22 +66,6 @@
 namespace bw::sim {
 namespace {
 
-struct ModelName {
-    MODEL model;
-    const char* name;
-};
-
-constexpr ModelName kModels[] = {
-    {MODEL::ORYX, "ORYX"},
-    {MODEL::ORYX_B, "ORYX_B"},
-    {MODEL::ORYX_C, "ORYX_C"},
-    {MODEL::ORYX_D, "ORYX_D"},
-    {MODEL::ORYX_E, "ORYX_E"},
-    {MODEL::ORYX_F, "ORYX_F"},
-    {MODEL::ORYX_SOLO_A, "ORYX_SOLO_A"},
-    {MODEL::ORYX_SOLO_B, "ORYX_SOLO_B"},
-};
-
 struct FaultName {
     const char* name;
     bool Faults::*flag;
@@ -238,9 +222,10 @@ private:
 
     bool setModel(std::string_view value) {
         const auto code = parseInteger<int>(value);
-        for (const ModelName& m : kModels) {
-            if (code ? *code == static_cast<int>(m.model) : sameIgnoringCase(value, m.name)) {
-                config_.model = m.model;
+        for (const MODEL model : kModels) {
+            if (code ? *code == static_cast<int>(model)
+                     : sameIgnoringCase(value, toString(model))) {
+                config_.model = model;
                 return true;
             }
         }
@@ -394,9 +379,7 @@ std::optional<DeviceConfig> replayedCamera(std::string_view segment, int positio
     camera.cameraId = position;
     camera.serial = DeviceConfig::defaultSerial(camera.model, position);
     if (const auto named = recording::cameraNamedIn(camera.recording)) {
-        for (const ModelName& m : kModels) {
-            if (named->model == m.name) camera.model = m.model;
-        }
+        camera.model = modelNamed(named->model).value_or(camera.model);
         if (named->serial != 0) camera.serial = named->serial;
     }
     return camera;

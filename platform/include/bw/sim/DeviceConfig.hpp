@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace bw::sim {
 
@@ -74,6 +75,13 @@ struct DeviceConfig {
     // the leading digit of an 8-digit serial (serial / 10,000,000 == model code).
     static unsigned int defaultSerial(MODEL model, int index);
 };
+
+// Every model code, in code order: the stereo models before the single-sensor ones.
+constexpr MODEL kModels[] = {MODEL::ORYX,   MODEL::ORYX_B, MODEL::ORYX_C,      MODEL::ORYX_D,
+                             MODEL::ORYX_E, MODEL::ORYX_F, MODEL::ORYX_SOLO_A, MODEL::ORYX_SOLO_B};
+
+// The model that bw::toString names so, in any case; none for another name.
+std::optional<MODEL> modelNamed(std::string_view name);
 
 // What the model code says the camera carries.
 struct SensorSet {
