@@ -10,8 +10,9 @@
 
 // One CSV recording file: the header when it opens, then one row per writeRow().
 //
-// Every line is built in memory and handed to the system in one write, then flushed, so a
-// process that dies mid-recording leaves only complete lines behind. The column groups are fixed
+// Every line is built in memory and handed to the system in one write, so a process that dies
+// mid-recording leaves complete lines behind, except that a SIGKILL arriving during the write
+// may cut the line being written at a page boundary (Linux ends such writes early). The column groups are fixed
 // when the file opens.
 //
 // Rows are written from the sampling thread while the file is opened and closed from the GUI
