@@ -1,7 +1,7 @@
 // Arithmetic of the geometry value types. The public types are plain float arrays; the maths is
 // done by mapping them onto Eigen types, so every convention here is Eigen's: Hamilton
 // quaternions, active rotations, q1 * q2 applies q2 first.
-#include "Angles.hpp"
+#include "physics/Angles.hpp"
 
 #include <Eigen/Dense>
 #include <Eigen/Geometry>

@@ -3,7 +3,7 @@
 // oldest first and at most a second of it, waiting readers), image frames and faults.
 #include <QtTest>
 
-#include "SensorTimeline.hpp"
+#include "physics/SensorTimeline.hpp"
 #include "SimFixture.hpp"
 
 using namespace simtest;

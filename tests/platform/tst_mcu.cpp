@@ -8,7 +8,7 @@
 #include <bw/hid.hpp>
 #include <cmath>
 
-#include "SensorTimeline.hpp"
+#include "physics/SensorTimeline.hpp"
 #include "SimFixture.hpp"
 #include "SimulatedMcu.h"
 

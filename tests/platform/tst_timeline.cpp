@@ -10,8 +10,8 @@
 #include <set>
 #include <vector>
 
-#include "MotionModel.hpp"
-#include "SensorTimeline.hpp"
+#include "physics/MotionModel.hpp"
+#include "physics/SensorTimeline.hpp"
 
 using namespace bw::sim;
 

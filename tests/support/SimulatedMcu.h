@@ -7,7 +7,7 @@
 #include <cmath>
 #include <memory>
 
-#include "SensorTimeline.hpp"
+#include "physics/SensorTimeline.hpp"
 
 namespace simmcu {
 

@@ -7,7 +7,7 @@
 #include <cwchar>
 #include <string>
 
-#include "Bus.hpp"
+#include "devices/Bus.hpp"
 
 namespace bw {
 

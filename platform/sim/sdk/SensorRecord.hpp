@@ -4,7 +4,7 @@
 
 #include <bw/sensors.hpp>
 
-#include "VirtualDevice.hpp"
+#include "devices/VirtualDevice.hpp"
 
 namespace bw::sim {
 

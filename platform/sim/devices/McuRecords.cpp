@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "Angles.hpp"
+#include "physics/Angles.hpp"
 #include "Eeprom.hpp"
 
 namespace bw::sim {

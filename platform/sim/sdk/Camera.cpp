@@ -3,7 +3,7 @@
 #include <bw/Camera.hpp>
 
 #include "CameraSession.hpp"
-#include "ReplaySession.hpp"
+#include "devices/ReplaySession.hpp"
 
 namespace bw {
 

@@ -6,9 +6,9 @@
 #include <chrono>
 #include <string>
 
-#include "Bus.hpp"
+#include "devices/Bus.hpp"
 #include "SensorRecord.hpp"
-#include "SyntheticImage.hpp"
+#include "devices/SyntheticImage.hpp"
 
 namespace bw::sim {
 

@@ -1,3 +1,7 @@
+// sim/physics: what a simulated camera measures and when: motion, the earth's gravity and
+// magnetic field, sensor noise and bias, temperatures, sample timing and the virtual clock.
+// Everything is a pure function of a seed and a time or sample index, so streams repeat exactly.
+//
 // The sample streams of one simulated camera: a deterministic motion model sampled by an IMU
 // (about 400 Hz unless configured otherwise), a magnetometer (about 50 Hz) and a barometer (about
 // 25 Hz), with timestamp jitter, plus slowly drifting temperatures. Samples are generated lazily up

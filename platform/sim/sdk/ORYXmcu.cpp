@@ -6,8 +6,8 @@
 #include <chrono>
 #include <mutex>
 
-#include "Bus.hpp"
-#include "McuRecords.hpp"
+#include "devices/Bus.hpp"
+#include "devices/McuRecords.hpp"
 
 namespace bw {
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "Angles.hpp"
+#include "physics/Angles.hpp"
 
 namespace bw::sim {
 

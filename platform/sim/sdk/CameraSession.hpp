@@ -1,3 +1,7 @@
+// sim/sdk: the camera layer's API (bw::Camera, bw::CameraOne, bw::ORYXmcu, HID listing, GPU
+// memory) implemented on the simulated bus. Nothing here models a device; it only claims one
+// and hands out what it measures, as the maker's library does with real hardware.
+//
 // What bw::Camera and bw::CameraOne have in common on the simulated bus: finding and claiming a
 // device, pacing image grabs and handing out sensor records. Each session keeps its own cursor
 // into the device's IMU stream, so every reader receives every sample once.
@@ -13,7 +17,7 @@
 #include <optional>
 #include <vector>
 
-#include "VirtualDevice.hpp"
+#include "devices/VirtualDevice.hpp"
 
 namespace bw::sim {
 

@@ -1,3 +1,7 @@
+// sim/devices: the virtual cameras on their bus, as the SDK layer finds them: each device's
+// description and faults, its sensor micro-controller with its records and EEPROM, its cable,
+// the scenario text that plugs them in, and recordings that replay as cameras.
+//
 // One simulated camera as the bus holds it: its description, its sample streams, its EEPROM,
 // its faults and its cable. Camera, CameraOne and ORYXmcu objects on different threads share a
 // device, so everything that changes lives in DeviceState behind the device's mutex, reached
@@ -12,7 +16,7 @@
 
 #include "Eeprom.hpp"
 #include "EepromCalibQuality.hpp"
-#include "SensorTimeline.hpp"
+#include "physics/SensorTimeline.hpp"
 
 namespace bw::sim {
 
