@@ -117,9 +117,9 @@ void MainWindow::showReplayState() {
 void MainWindow::showReplayPosition() {
     const InputThreadModul* module = session.input();
     if (module == nullptr || !module->isReplaying() || replayBar->isHidden()) return;
-    const bw::Timestamp shown = module->shownFrameTimestamp();
+    const bw::Timestamp shownNs = module->shownFrameTimestamp();
     const double elapsed =
-        shown >= replayStartNs ? static_cast<double>(shown - replayStartNs) / 1e9 : 0.0;
+        shownNs >= replayStartNs ? static_cast<double>(shownNs - replayStartNs) / 1e9 : 0.0;
     replayBar->showPosition(module->replayPosition(), elapsed);
 }
 

@@ -164,7 +164,7 @@ class SamplingSession {
 public:
     explicit SamplingSession(const bw::sim::DeviceConfig& camera)
         : opened(session.open({static_cast<std::uint32_t>(camera.cameraId), camera.serial,
-                               static_cast<std::uint32_t>(camera.model)}) == bw::SUCCESS) {}
+                               static_cast<std::uint32_t>(camera.model), QString()}) == bw::SUCCESS) {}
 
     bool isOpen() const { return opened; }
     const SensorSeries& series() const { return session.series(); }

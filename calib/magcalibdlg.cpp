@@ -74,6 +74,16 @@ Range rangeOf(const QVector<double>& v) {
     return r;
 }
 
+// The guide ellipse of one plane: the ellipse inscribed in the bounding box of the samples. The
+// plots take float coordinates; fields of a few hundred µT keep far more precision in a float
+// than a pixel shows.
+void showBoundingEllipse(CalibPlot* plot, CalibPlot::_plane plane, const Range& horizontal,
+                         const Range& vertical) {
+    plot->setFitEllipse(plane, static_cast<float>(horizontal.min),
+                        static_cast<float>(vertical.min), static_cast<float>(horizontal.width()),
+                        static_cast<float>(vertical.width()));
+}
+
 double largestAbs(const QVector<double>& a, const QVector<double>& b, const QVector<double>& c) {
     double m = 0.0;
     for (const QVector<double>* v : {&a, &b, &c})
@@ -466,16 +476,16 @@ void MagCalibDlg::onUpdateTimer() {
             lastCalibCount = n;
             const Range rx = rangeOf(rawX), ry = rangeOf(rawY), rz = rangeOf(rawZ);
             for (CalibPlot* plot : {ui->widget_plot_XY, ui->widget_plot_mixed_raw})
-                plot->setFitEllipse(CalibPlot::XY, rx.min, ry.min, rx.width(), ry.width());
+                showBoundingEllipse(plot, CalibPlot::XY, rx, ry);
             for (CalibPlot* plot : {ui->widget_plot_XZ, ui->widget_plot_mixed_raw})
-                plot->setFitEllipse(CalibPlot::XZ, rx.min, rz.min, rx.width(), rz.width());
+                showBoundingEllipse(plot, CalibPlot::XZ, rx, rz);
             for (CalibPlot* plot : {ui->widget_plot_YZ, ui->widget_plot_mixed_raw})
-                plot->setFitEllipse(CalibPlot::YZ, ry.min, rz.min, ry.width(), rz.width());
+                showBoundingEllipse(plot, CalibPlot::YZ, ry, rz);
             const Range cx = rangeOf(calX), cy = rangeOf(calY), cz = rangeOf(calZ);
             CalibPlot* cal = ui->widget_plot_calibrated;
-            cal->setFitEllipse(CalibPlot::XY, cx.min, cy.min, cx.width(), cy.width());
-            cal->setFitEllipse(CalibPlot::XZ, cx.min, cz.min, cx.width(), cz.width());
-            cal->setFitEllipse(CalibPlot::YZ, cy.min, cz.min, cy.width(), cz.width());
+            showBoundingEllipse(cal, CalibPlot::XY, cx, cy);
+            showBoundingEllipse(cal, CalibPlot::XZ, cx, cz);
+            showBoundingEllipse(cal, CalibPlot::YZ, cy, cz);
         }
         // Five scatter plots of thousands of points are costly to draw: only new samples are
         // worth it. A device that stops delivering leaves the dialog idle, not busy.

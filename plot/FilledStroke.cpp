@@ -17,9 +17,9 @@ QPointF normalOf(const QPointF& dir) { return QPointF(-dir.y(), dir.x()); }
 
 }  // namespace
 
-FilledStroke::FilledStroke(QPainter& painter, const QBrush& brush, double penWidth,
-                           int chunkSegments)
-    : painter(painter), brush(brush), half(penWidth / 2.0), chunkSegments(chunkSegments) {}
+FilledStroke::FilledStroke(QPainter& target, const QBrush& fill, double penWidth,
+                           int segmentsPerChunk)
+    : painter(target), brush(fill), half(penWidth / 2.0), chunkSegments(segmentsPerChunk) {}
 
 void FilledStroke::draw(const QPolygonF& line) {
     painter.save();

@@ -22,8 +22,8 @@ class QPainter;
 // ends), so they are painted here too, at the same vertices, for the picture to match.
 class FilledStroke {
 public:
-    // `chunkSegments`: segments per piece, 0 when the polyline is drawn whole.
-    FilledStroke(QPainter& painter, const QBrush& brush, double penWidth, int chunkSegments);
+    // `segmentsPerChunk`: segments per piece, 0 when the polyline is drawn whole.
+    FilledStroke(QPainter& target, const QBrush& fill, double penWidth, int segmentsPerChunk);
 
     void draw(const QPolygonF& line);
 

@@ -10,8 +10,9 @@ cd "$REPO_ROOT"
 
 bash scripts/install-deps.sh || exit 1
 
-# The suites build the tests only: no benchmarks, no developer tools.
-SUITE_FLAGS=(-DBUILD_TESTING=ON -DORYX_BUILD_BENCH=OFF -DORYX_BUILD_TOOLS=OFF)
+# The suites build the tests only: no benchmarks, no developer tools. Warnings are errors here,
+# so that a new one fails CI (release and package builds leave them warnings).
+SUITE_FLAGS=(-DBUILD_TESTING=ON -DORYX_BUILD_BENCH=OFF -DORYX_BUILD_TOOLS=OFF -DORYX_WERROR=ON)
 # Sanitizer builds are optimised lightly, fast enough to run. Line tables (-g1) give their
 # reports file and line for every frame at a fraction of the compile time of full debug info.
 SANITIZER_FLAGS=(-DCMAKE_BUILD_TYPE=RelWithDebInfo "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O1 -g1")

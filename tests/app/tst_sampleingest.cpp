@@ -61,7 +61,7 @@ private slots:
         QCOMPARE(series.rows(), 1);
         QCOMPARE(series.imuRate.size(), 1);
         QVERIFY(std::fabs(series.imuRate[0] - 400.0) < 1e-6);
-        QCOMPARE(series.imuTime[0], (kStart + kImuPeriod) / 1e9);
+        QCOMPARE(series.imuTime[0], static_cast<double>(kStart + kImuPeriod) / 1e9);
         QCOMPARE(ingest.ingest(record(kStart + kImuPeriod)), SampleIngest::Outcome::Repeated);
         QCOMPARE(series.rows(), 1);
         QCOMPARE(series.imuRate.size(), 1);

@@ -105,18 +105,18 @@ class TestWindowChart : public QObject {
     }
 
     // Clicks the sensor's button and checks, once the chart has been fed a full window, that
-    // `curve` shows the newest stretch of the two series, no more than `window` points.
+    // `curve` shows the newest stretch of the two series, no more than `windowPoints` points.
     void verifyCurveFeed(const QString& button, DataPlot::DataType curve, const QString& timeName,
-                         const QString& valueName, int window) {
+                         const QString& valueName, int windowPoints) {
         w().findChild<QAbstractButton*>(button)->click();
         // Long enough for the stretch to be cut to the window.
         QTRY_VERIFY_WITH_TIMEOUT(sampledSeconds(w()) > 12.0, kTimeoutMs);
-        QTRY_VERIFY_WITH_TIMEOUT(pointsOf(w(), curve).size() == window, kTimeoutMs);
+        QTRY_VERIFY_WITH_TIMEOUT(pointsOf(w(), curve).size() == windowPoints, kTimeoutMs);
         // The chart is fed under the sample lock: holding it, nothing changes underneath.
         std::lock_guard<std::mutex> lock(w().sampleMutex());
         const SensorSeries& s = w().sampleSeries();
         const QString mismatch = stretchMismatch(pointsOf(w(), curve), seriesNamed(s, timeName),
-                                                 seriesNamed(s, valueName), window);
+                                                 seriesNamed(s, valueName), windowPoints);
         QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));
     }
 
@@ -196,7 +196,7 @@ private slots:
         QTest::addColumn<int>("curve");
         QTest::addColumn<QString>("timeSeries");
         QTest::addColumn<QString>("valueSeries");
-        QTest::addColumn<int>("window");
+        QTest::addColumn<int>("windowPoints");
         QTest::newRow("gyroscope") << "pushButton_gyro" << int(DataPlot::GYR_Y) << "imuTime"
                                    << "gyroY" << 5200;
         QTest::newRow("magnetometer") << "pushButton_mag" << int(DataPlot::MAG_Z) << "magSampleTime"
@@ -220,8 +220,8 @@ private slots:
         QFETCH(int, curve);
         QFETCH(QString, timeSeries);
         QFETCH(QString, valueSeries);
-        QFETCH(int, window);
-        verifyCurveFeed(button, DataPlot::DataType(curve), timeSeries, valueSeries, window);
+        QFETCH(int, windowPoints);
+        verifyCurveFeed(button, DataPlot::DataType(curve), timeSeries, valueSeries, windowPoints);
     }
 
     // Without a barometer to time them, the temperatures are sampled with every IMU sample.

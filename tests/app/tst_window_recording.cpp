@@ -82,7 +82,7 @@ private slots:
     }
 
     void withoutACameraTheButtonSpringsBack() {
-        PacedVirtualTime time({});
+        PacedVirtualTime noCameras({});
         MainWindow w;
         w.show();
         w.form()->toolButton_save->click();

@@ -197,7 +197,8 @@ private slots:
         const Eigen::Vector3d field = pose.transpose() * Eigen::Vector3d(22, 0, -42);
         const Eigen::Vector3d down = pose.transpose() * Eigen::Vector3d(0, 0, -1);
         auto device = [](const Eigen::Vector3d& v) {
-            return bw::sim::deviceFromCameraAxes(bw::Vector3<float>(v.x(), v.y(), v.z()));
+            const Eigen::Vector3f f = v.cast<float>();
+            return bw::sim::deviceFromCameraAxes(bw::Vector3<float>(f.x(), f.y(), f.z()));
         };
         bw::ORYXmcu mcu(false, bw::ORYX_USB_VENDOR_ID, MODEL::ORYX_D, false, "");
         const double heading = mcu.calcMagHeading(device(field), device(down));
