@@ -4,12 +4,43 @@
 
 #include "CameraModels.h"
 
+namespace {
+
+constexpr double kRadToDeg = 57.295779513;
+constexpr std::uint8_t kRecordValid = 1;
+// Values of the reader record's magnetometer-update byte; any other means a new sample.
+constexpr std::uint8_t kNoMagData = 0;
+constexpr std::uint8_t kNoNewMagSample = 1;
+
+}  // namespace
+
 MagAxes magAxesFromRaw(std::int16_t d0, std::int16_t d1, std::int16_t d2) {
     MagAxes a;
-    a.x = -d1 * kMagFieldPerCount;
-    a.y = d0 * kMagFieldPerCount;
-    a.z = d2 * kMagFieldPerCount;
+    a.x = -d1 * bw::MCU_MAG_UT_PER_COUNT;
+    a.y = d0 * bw::MCU_MAG_UT_PER_COUNT;
+    a.z = d2 * bw::MCU_MAG_UT_PER_COUNT;
     return a;
+}
+
+ReaderContent readerContent(const bw::_imu_reader_data& record) {
+    if (record.valid != kRecordValid || record.mag_update == kNoMagData)
+        return ReaderContent::NOTHING;
+    if (record.mag_update == kNoNewMagSample) return ReaderContent::NO_NEW_SAMPLE;
+    return ReaderContent::NEW_SAMPLE;
+}
+
+double readerTimeMs(const bw::_imu_reader_data& record) {
+    const std::uint64_t ticks = record.timestamp;  // packed: copied before use
+    return static_cast<double>(ticks) * bw::MCU_TICK_US / 1000.0;
+}
+
+PoseHeading headingFromPose(const bw::_imu_pose_data& pose, float libraryHeadingRad) {
+    PoseHeading h;
+    h.uncalibrated = libraryHeadingRad * kRadToDeg;
+    h.calibStatus = pose.mag_calib_status;
+    h.calibrated = h.calibStatus == MAG_CALIB_NONE ? h.uncalibrated : pose.mag_heading * kRadToDeg;
+    h.calibQuality = pose.mag_calib_quality;
+    return h;
 }
 
 bw::_mag_calib_data packMagCalib(const double offset[3], const double scale[3]) {
