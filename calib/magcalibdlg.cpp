@@ -13,20 +13,11 @@
 #include <QPen>
 #include <QPushButton>
 #include <algorithm>
-#include <bw/ORYXmcu.hpp>
-#include <bw/hid.hpp>
-#include <chrono>
 #include <cmath>
-#include <cstdint>
-#include <vector>
 
 #include "CalibPlot.h"
-#include "CameraModels.h"
 #include "Compass.h"
-#include "mag_calib.h"
-#include "magcalibrecord.h"
 #include "messagebox.h"
-#include "orientcount.h"
 #include "palette.h"
 #include "restyle.h"
 #include "style.h"
@@ -34,13 +25,7 @@
 
 namespace {
 
-constexpr double kRadToDeg = 57.295779513;
 constexpr int kUpdatePeriodMs = 100;
-constexpr int kMaxReadFailures = 100;
-constexpr int kMaxStoreAttempts = 10;
-constexpr double kMaxSampleRateHz = 60.0;
-// Device ticks of the micro-controller clock, in microseconds.
-constexpr double kTickUs = 39.0;
 
 // Plane colours of the scatter clouds and guide ellipses, translucent.
 const QColor kPlaneColour[3] = {QColor(255, 53, 53, 100), QColor(77, 156, 210, 100),
@@ -79,19 +64,24 @@ Range rangeOf(const QVector<double>& v) {
 // than a pixel shows.
 void showBoundingEllipse(CalibPlot* plot, CalibPlot::_plane plane, const Range& horizontal,
                          const Range& vertical) {
-    plot->setFitEllipse(plane, static_cast<float>(horizontal.min),
-                        static_cast<float>(vertical.min), static_cast<float>(horizontal.width()),
+    plot->setFitEllipse(plane, static_cast<float>(horizontal.min), static_cast<float>(vertical.min),
+                        static_cast<float>(horizontal.width()),
                         static_cast<float>(vertical.width()));
 }
 
-double largestAbs(const QVector<double>& a, const QVector<double>& b, const QVector<double>& c) {
+// The largest magnitude of any component of the samples, raw or corrected.
+double largestAbs(const MagSampleSet& samples, bool corrected) {
     double m = 0.0;
-    for (const QVector<double>* v : {&a, &b, &c})
-        for (double value : *v) m = std::max(m, std::abs(value));
+    for (int axis = 0; axis < 3; ++axis) {
+        const QVector<double>& v = corrected ? samples.calibrated(axis) : samples.raw(axis);
+        for (double value : v) m = std::max(m, std::abs(value));
+    }
     return m;
 }
 
-void sleepMs(long ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
+// The three planes of the plots, as pairs of axes (0 x, 1 y, 2 z) in CalibPlot::_plane order.
+constexpr int kPlaneAxes[3][2] = {{0, 1}, {0, 2}, {1, 2}};
+const CalibPlot::_plane kPlanes[3] = {CalibPlot::XY, CalibPlot::XZ, CalibPlot::YZ};
 
 // The status label has a style sheet, and a sheet's colours outrank the palette: the quality
 // colour has to go into the sheet. Only a changed sheet is set, as each one re-polishes the label.
@@ -104,11 +94,11 @@ void colourStatusLabel(QLabel* label, const Style& style, const QColor& backgrou
 
 }  // namespace
 
-MagCalibDlg::MagCalibDlg(int serial_, QWidget* parent)
+MagCalibDlg::MagCalibDlg(int serial, QWidget* parent)
     : QDialog(parent),
       ui(std::make_unique<Ui_MagCalibDlg>()),
       style(std::make_shared<Style>()),
-      serial(serial_) {
+      calibSession(static_cast<unsigned>(serial)) {
     ui->setupUi(this);
     setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::CustomizeWindowHint);
     setBwStyleSheet();
@@ -121,291 +111,87 @@ MagCalibDlg::MagCalibDlg(int serial_, QWidget* parent)
         symbols[9 + i] = makeSymbol(QwtSymbol::Star1, kPlaneColour[i].darker(200), 9);
     initPlots();
 
+    // Errors reach the user after the constructor, once the dialog runs.
+    connect(&calibSession, &CalibrationSession::cameraError, this, &MagCalibDlg::cameraError);
     connect(this, &MagCalibDlg::cameraError, this, &MagCalibDlg::onCameraError,
             Qt::QueuedConnection);
+    connect(&calibSession, &CalibrationSession::calibrationFitted, this, &MagCalibDlg::updatePlots);
     connect(&updateTimer, &QTimer::timeout, this, &MagCalibDlg::onUpdateTimer);
 
     if (initOryxMcu()) startAcquisition();
 }
 
-MagCalibDlg::~MagCalibDlg() {
-    updateTimer.stop();
-    stopRequested = true;
-    if (grabThread.joinable()) grabThread.join();
-    if (mcu) {
-        mcu->stopCapture();
-        mcu->close();
-    }
-}
+// The session ends the grab thread and closes the device.
+MagCalibDlg::~MagCalibDlg() = default;
 
-int MagCalibDlg::rawSampleCount() const {
-    std::lock_guard<std::mutex> lock(sampleMutex);
-    return rawX.size();
-}
-
-int MagCalibDlg::calibratedSampleCount() const {
-    std::lock_guard<std::mutex> lock(sampleMutex);
-    return calX.size();
-}
-
-void MagCalibDlg::currentCalibration(double offsetOut[3], double scaleOut[3]) const {
-    for (int i = 0; i < 3; ++i) {
-        offsetOut[i] = offset[i];
-        scaleOut[i] = scale[i];
-    }
-}
-
-// ---- device ------------------------------------------------------------------------------
-
-void MagCalibDlg::updateBwDevList() {
-    devFirmware.clear();
-    devSerials.clear();
-    devProductIds.clear();
-    const BwDeviceList list = filterMagDevices(bw::hidEnumerate(bw::ORYX_USB_VENDOR_ID, 0));
-    devFirmware = list.firmware;
-    devSerials = list.serials;
-    devProductIds = list.productIds;
-}
-
-bool MagCalibDlg::initOryxMcu() {
-    updateBwDevList();
-    if (!devSerials.contains(QStringLiteral("%1").arg(serial))) {
-        emit cameraError(tr("ORYX_C/ORYX_D with serial number %1 not detected. Please verify the "
-                            "connections and retry")
-                             .arg(serial));
-        return false;
-    }
-    mcu.reset();
-    mcu = std::make_shared<bw::ORYXmcu>(false, bw::ORYX_USB_VENDOR_ID,
-                                        modelFromSerial(unsigned(serial)), false, "");
-    const int result = mcu->open(static_cast<unsigned>(serial), false, static_cast<bw::_imu_odr>(2),
-                                 nullptr, nullptr, true, false);
-    if (result != 0) {
-        mcuClosed = true;
-        emit cameraError(
-            tr("Cannot open the ORYX_C/ORYX_D camera. Please verify the connections and restart"));
-        return false;
-    }
-    if (!loadCalibData()) {
-        emit cameraError(
-            tr("Cannot correctly load calibration parameters from ORYX_C/ORYX_D. "
-               "Please verify the connection."));
-        return false;
-    }
-    mcuClosed = false;
-    return true;
-}
+// ---- acquisition -------------------------------------------------------------------------
 
 bool MagCalibDlg::startAcquisition() {
-    if (threadRunning) return true;
-    if (!mcu && !initOryxMcu()) return false;
-    if (!mcu->isCapturing()) mcu->startCapture(0.0f);
+    if (calibSession.isGrabbing()) return true;
+    if (!calibSession.startAcquisition()) return false;
     setPlotsAutoscale(true);
-    // A thread that ended by itself (read failures) is collected before the next one starts.
-    if (grabThread.joinable()) grabThread.join();
-    stopRequested = false;
-    threadRunning = true;
-    grabThread = std::thread(&MagCalibDlg::magDataGrabThread, this, mcu);
     updateTimer.start(kUpdatePeriodMs);
     return true;
 }
 
 void MagCalibDlg::stopAcquisition() {
-    if (mcu) mcu->stopCapture();
     ui->pushButton_start->setChecked(false);
     ui->pushButton_start->setText(tr(" Continue Calibration"));
     ui->pushButton_start->setIcon(QIcon(QStringLiteral(":/images/play.png")));
     updateTimer.stop();
-    if (grabThread.joinable()) {
-        stopRequested = true;
-        grabThread.join();
-    }
-}
-
-void MagCalibDlg::magDataGrabThread(std::shared_ptr<bw::ORYXmcu> device) {
-    struct ClearOnExit {
-        std::atomic<bool>& flag;
-        ~ClearOnExit() { flag = false; }
-    } clearOnExit{threadRunning};
-
-    if (!device->isCapturing()) device->startCapture(0.0f);
-    {
-        // A fresh coverage grid per run. Nothing feeds it and its share is not shown: the
-        // device's own verdict rates a calibration. The wiring is kept as it was shipped.
-        std::lock_guard<std::mutex> lock(sampleMutex);
-        orientCount = std::make_shared<OrientCount>();
-    }
-    if (stopRequested) return;
-
-    std::uint16_t failures = 0;
-    double previousT = 0.0;
-    bool havePrevious = false;
-    for (;;) {
-        threadRunning = true;
-        const bw::_imu_reader_data record = device->getIMUReaderData();
-        if (record.valid != 1 || record.mag_update == 0) {
-            ++failures;
-            if (failures > kMaxReadFailures) {
-                threadRunning = false;
-                emit cameraError(tr("Error retrieving sensors data"));
-                return;
-            }
-            sleepMs(1);
-            if (stopRequested) return;
-            continue;
-        }
-        if (record.mag_update == 1) {
-            if (stopRequested) return;
-            continue;
-        }
-        const std::uint64_t ticks = record.timestamp;
-        const double t = static_cast<double>(ticks) * kTickUs / 1000.0;
-        if (havePrevious && t == previousT) {
-            if (stopRequested) return;
-            continue;
-        }
-        const MagAxes field = magAxesFromRaw(record.mag[0], record.mag[1], record.mag[2]);
-        // The rate needs two samples; the first one only sets the time base.
-        if (havePrevious) sampleRate = std::min(1000.0 / (t - previousT), kMaxSampleRateHz);
-
-        if (acquiring) {
-            std::lock_guard<std::mutex> lock(sampleMutex);
-            rawX.append(field.x);
-            rawY.append(field.y);
-            rawZ.append(field.z);
-        }
-
-        const bw::_imu_pose_data pose = device->getIMUPose(6);
-        const bw::Vector3<float> mag(pose.mag[0], pose.mag[1], pose.mag[2]);
-        const bw::Vector3<float> gravity(pose.gravity[0], pose.gravity[1], pose.gravity[2]);
-        const double uncalibrated = device->calcMagHeading(mag, gravity) * kRadToDeg;
-        const int status = pose.mag_calib_status;
-        headingUncalib = uncalibrated;
-        headingCalib = status == MAG_CALIB_NONE ? uncalibrated : pose.mag_heading * kRadToDeg;
-        if (!acquiring) {
-            calibStatus = status;
-            calibQuality = pose.mag_calib_quality;
-        }
-
-        // Whole milliseconds of a period in seconds: no pause above 1 Hz, the device's sample
-        // arrival paces the loop.
-        const double rate = sampleRate;
-        if (rate > 0.0) {
-            const long pause = static_cast<long>(1.0 / rate);
-            if (pause > 0) sleepMs(pause);
-        }
-
-        previousT = t;
-        havePrevious = true;
-        failures = 0;
-        if (stopRequested) return;
-    }
-}
-
-void MagCalibDlg::calibrateData() {
-    MagCalib calib;
-    std::vector<double> x(rawX.begin(), rawX.end());
-    std::vector<double> y(rawY.begin(), rawY.end());
-    std::vector<double> z(rawZ.begin(), rawZ.end());
-    if (!calib.ellipsoidCalibration(x, y, z, 1.0)) return;
-    for (int i = 0; i < 3; ++i) {
-        offset[i] = calib.offset[i];
-        scale[i] = calib.scale[i];
-    }
-    calX.clear();
-    calY.clear();
-    calZ.clear();
-    const int n = rawX.size();
-    calX.reserve(n);
-    calY.reserve(n);
-    calZ.reserve(n);
-    for (int i = 0; i < n; ++i) {
-        calX.append((rawX[i] - offset[0]) * scale[0]);
-        calY.append((rawY[i] - offset[1]) * scale[1]);
-        calZ.append((rawZ[i] - offset[2]) * scale[2]);
-    }
-    updatePlots();
-    calibToStore = true;
-}
-
-bool MagCalibDlg::loadCalibData() {
-    if (!mcu && !initOryxMcu()) return false;
-    const bool wasCapturing = mcu->isCapturing();
-    if (wasCapturing) mcu->stopCapture();
-    const int result = mcu->updateEepromMemory(true);
-    if (result == 0) unpackMagCalib(mcu->eeprom(), offset, scale);
-    if (wasCapturing) mcu->startCapture(0.0f);
-    return result == 0;
+    calibSession.stopAcquisition();
 }
 
 bool MagCalibDlg::saveCalibData() {
-    if (!mcu && !initOryxMcu()) return false;
-    const bool wasCapturing = mcu->isCapturing();
-    if (wasCapturing) mcu->stopCapture();
-    bw::_mag_calib_data record = packMagCalib(offset, scale);
-
-    bool stored = mcu->writeMagCalibInEEprom(record) == 0;
-    if (stored) {
-        stored = false;
-        for (int attempt = 1; attempt <= kMaxStoreAttempts; ++attempt) {
-            if (mcu->updateEepromMemory(true) == 0 && eepromHoldsRecord(mcu->eeprom(), record)) {
-                stored = true;
-                break;
-            }
-            if (attempt == kMaxStoreAttempts || mcu->writeMagCalibInEEprom(record) != 0) break;
-        }
-    }
-    // The live heading keeps running whether or not the store worked.
-    if (wasCapturing) mcu->startCapture(0.0f);
-    if (stored) calibToStore = false;
-    return stored;
+    return calibSession.saveCalibData() == CalibrationSession::StoreResult::STORED;
 }
 
 // ---- buttons -----------------------------------------------------------------------------
 
 void MagCalibDlg::on_pushButton_start_clicked(bool checked) {
-    if (checked) {
-        if (!threadRunning && !startAcquisition()) {
-            ui->pushButton_start->setChecked(false);
-            acquiring = false;
-            calibToStore = false;
-            return;
-        }
-        showMessage(this, *style, QMessageBox::Information, tr("Calibration starting..."),
-                    tr("For a good calibration, start with three full rotations of the camera "
-                       "around the three main axes, then continue rotating it in the space, "
-                       "covering all the possible orientations.\nPress 'STOP CALIBRATION' when "
-                       "completed."),
-                    {tr("Ok")});
-        ui->pushButton_start->setText(tr(" Stop Calibration"));
-        ui->pushButton_start->setIcon(QIcon(QStringLiteral(":/images/stop_h.png")));
-        setPlotsAutoscale(true);
-        acquiring = true;
-        ui->pushButton_save_calib->setEnabled(false);
-        ui->pushButton_reset->setEnabled(false);
-    } else {
-        showMessage(this, *style, QMessageBox::Information, tr("Calibration stopped"),
-                    tr("Press 'Store Calibration' to save the parameters on the camera and to "
-                       "apply the new calibration."),
-                    {tr("Ok")});
-        ui->pushButton_start->setText(tr(" Continue Calibration"));
-        ui->pushButton_start->setIcon(QIcon(QStringLiteral(":/images/play.png")));
-        {
-            std::lock_guard<std::mutex> lock(sampleMutex);
-            calibrateData();
-        }
-        scalePlots();
-        acquiring = false;
-        calibToStore = true;
-        ui->pushButton_save_calib->setEnabled(true);
-        ui->pushButton_reset->setEnabled(true);
+    if (checked)
+        startCalibrating();
+    else
+        stopCalibrating();
+}
+
+void MagCalibDlg::startCalibrating() {
+    if (!startAcquisition()) {
+        ui->pushButton_start->setChecked(false);
+        calibSession.abandonCollecting();
+        return;
     }
+    showMessage(this, *style, QMessageBox::Information, tr("Calibration starting..."),
+                tr("For a good calibration, start with three full rotations of the camera "
+                   "around the three main axes, then continue rotating it in the space, "
+                   "covering all the possible orientations.\nPress 'STOP CALIBRATION' when "
+                   "completed."),
+                {tr("Ok")});
+    ui->pushButton_start->setText(tr(" Stop Calibration"));
+    ui->pushButton_start->setIcon(QIcon(QStringLiteral(":/images/stop_h.png")));
+    setPlotsAutoscale(true);
+    calibSession.startCollecting();
+    ui->pushButton_save_calib->setEnabled(false);
+    ui->pushButton_reset->setEnabled(false);
+}
+
+void MagCalibDlg::stopCalibrating() {
+    showMessage(this, *style, QMessageBox::Information, tr("Calibration stopped"),
+                tr("Press 'Store Calibration' to save the parameters on the camera and to "
+                   "apply the new calibration."),
+                {tr("Ok")});
+    ui->pushButton_start->setText(tr(" Continue Calibration"));
+    ui->pushButton_start->setIcon(QIcon(QStringLiteral(":/images/play.png")));
+    calibSession.stopCollecting();
+    scalePlots();
+    ui->pushButton_save_calib->setEnabled(true);
+    ui->pushButton_reset->setEnabled(true);
 }
 
 void MagCalibDlg::on_pushButton_clear_data_clicked() {
-    if (!acquiring) ui->pushButton_start->setText(tr(" Start Calibration"));
+    if (!calibSession.isAcquiring()) ui->pushButton_start->setText(tr(" Start Calibration"));
     clearPlots();
-    calibToStore = false;
+    calibSession.discardCalibration();
 }
 
 void MagCalibDlg::showStoreError(int icon) {
@@ -435,7 +221,7 @@ void MagCalibDlg::on_pushButton_reset_clicked() {
 }
 
 void MagCalibDlg::on_pushButton_exit_clicked() {
-    if (calibToStore) {
+    if (calibSession.hasCalibrationToStore()) {
         const int answer = showMessage(
             this, *style, QMessageBox::Question, tr("ORYX Magnetometer Calibration"),
             tr("Calibration parameters have not been saved on camera.\nClosing the window all "
@@ -443,10 +229,9 @@ void MagCalibDlg::on_pushButton_exit_clicked() {
             {tr("No"), tr("Yes")});
         if (answer != 1) return;
     }
-    if (!mcuClosed) {
+    if (!calibSession.isClosed()) {
         stopAcquisition();
-        if (mcu) mcu->close();
-        mcuClosed = true;
+        calibSession.closeDevice();
     }
     accept();
 }
@@ -467,67 +252,74 @@ void MagCalibDlg::keyPressEvent(QKeyEvent* event) {
 // ---- refresh -----------------------------------------------------------------------------
 
 void MagCalibDlg::onUpdateTimer() {
-    if (acquiring) {
-        std::lock_guard<std::mutex> lock(sampleMutex);
-        if (orientCount) orientCount->getPercNotZero();  // unused, see magDataGrabThread
-        const int n = rawX.size();
-        if (n > 100 && n - lastCalibCount > 49) {
-            calibrateData();
-            lastCalibCount = n;
-            const Range rx = rangeOf(rawX), ry = rangeOf(rawY), rz = rangeOf(rawZ);
-            for (CalibPlot* plot : {ui->widget_plot_XY, ui->widget_plot_mixed_raw})
-                showBoundingEllipse(plot, CalibPlot::XY, rx, ry);
-            for (CalibPlot* plot : {ui->widget_plot_XZ, ui->widget_plot_mixed_raw})
-                showBoundingEllipse(plot, CalibPlot::XZ, rx, rz);
-            for (CalibPlot* plot : {ui->widget_plot_YZ, ui->widget_plot_mixed_raw})
-                showBoundingEllipse(plot, CalibPlot::YZ, ry, rz);
-            const Range cx = rangeOf(calX), cy = rangeOf(calY), cz = rangeOf(calZ);
-            CalibPlot* cal = ui->widget_plot_calibrated;
-            showBoundingEllipse(cal, CalibPlot::XY, cx, cy);
-            showBoundingEllipse(cal, CalibPlot::XZ, cx, cz);
-            showBoundingEllipse(cal, CalibPlot::YZ, cy, cz);
-        }
+    if (calibSession.isAcquiring()) {
+        if (calibSession.refitIfDue()) showGuideEllipses();
         // Five scatter plots of thousands of points are costly to draw: only new samples are
         // worth it. A device that stops delivering leaves the dialog idle, not busy.
-        if (n != plottedSampleCount) updatePlots();
+        if (calibSession.samples().size() != plottedSampleCount) updatePlots();
     }
+    showHeadings();
+    showCalibrationStatus();
+}
 
-    const double uncal = headingUncalib;
-    const double cal = headingCalib;
-    ui->label_heading_uncalib->setText(tr("Uncalibrated\n%1°").arg(uncal, 6, 'f', 2, QChar(' ')));
-    ui->label_heading_calib->setText(tr("Calibrated\n%1°").arg(cal, 6, 'f', 2, QChar(' ')));
-    ui->widget_raw_compass->setValue(uncal);
-    ui->widget_calib_compass->setValue(cal);
+// The bounding ellipses of the raw clouds on the per-plane and mixed plots, and of the corrected
+// cloud on the calibrated plot.
+void MagCalibDlg::showGuideEllipses() {
+    const MagSampleSet& samples = calibSession.samples();
+    Range raw[3], corrected[3];
+    for (int axis = 0; axis < 3; ++axis) {
+        raw[axis] = rangeOf(samples.raw(axis));
+        corrected[axis] = rangeOf(samples.calibrated(axis));
+    }
+    CalibPlot* perPlane[3] = {ui->widget_plot_XY, ui->widget_plot_XZ, ui->widget_plot_YZ};
+    for (int p = 0; p < 3; ++p) {
+        const int h = kPlaneAxes[p][0], v = kPlaneAxes[p][1];
+        showBoundingEllipse(perPlane[p], kPlanes[p], raw[h], raw[v]);
+        showBoundingEllipse(ui->widget_plot_mixed_raw, kPlanes[p], raw[h], raw[v]);
+        showBoundingEllipse(ui->widget_plot_calibrated, kPlanes[p], corrected[h], corrected[v]);
+    }
+}
 
+void MagCalibDlg::showHeadings() {
+    const CalibrationSession::LiveReading& live = calibSession.reading();
+    ui->label_heading_uncalib->setText(
+        tr("Uncalibrated\n%1°").arg(live.headingUncalib, 6, 'f', 2, QChar(' ')));
+    ui->label_heading_calib->setText(
+        tr("Calibrated\n%1°").arg(live.headingCalib, 6, 'f', 2, QChar(' ')));
+    ui->widget_raw_compass->setValue(live.headingUncalib);
+    ui->widget_calib_compass->setValue(live.headingCalib);
+}
+
+void MagCalibDlg::showCalibrationStatus() {
     QLabel* label = ui->label_mag_calib_quality;
-    if (acquiring) {
+    if (calibSession.isAcquiring()) {
         label->setText(tr("CALIBRATING"));
         return;
     }
-    if (calibToStore) {
+    if (calibSession.hasCalibrationToStore()) {
         label->setText(tr("CALIBRATION TO BE STORED"));
         return;
     }
-    switch (calibStatus.load()) {
-        case MAG_CALIB_GOOD:
-            label->setText(tr("GOOD"));
-            break;
-        case MAG_CALIB_OK:
-            label->setText(tr("OK"));
-            break;
-        case MAG_CALIB_NOT_GOOD:
-            label->setText(tr("NOT GOOD"));
-            break;
-        case MAG_CALIB_NONE:
-            label->setText(tr("MAG. NOT CALIBRATED"));
-            break;
-        default:
-            label->setText(tr("NOT AVAILABLE"));
-            break;
-    }
+    const CalibrationSession::LiveReading& live = calibSession.reading();
+    label->setText(statusText(live.calibStatus));
     colourStatusLabel(
         label, *style,
-        QColor::fromHsvF(std::clamp(calibQuality.load() * 0.33, 0.0, 1.0), 0.75, 0.8, 1.0));
+        QColor::fromHsvF(std::clamp(live.calibQuality * 0.33, 0.0, 1.0), 0.75, 0.8, 1.0));
+}
+
+QString MagCalibDlg::statusText(int calibStatus) {
+    switch (calibStatus) {
+        case MAG_CALIB_GOOD:
+            return tr("GOOD");
+        case MAG_CALIB_OK:
+            return tr("OK");
+        case MAG_CALIB_NOT_GOOD:
+            return tr("NOT GOOD");
+        case MAG_CALIB_NONE:
+            return tr("MAG. NOT CALIBRATED");
+        default:
+            return tr("NOT AVAILABLE");
+    }
 }
 
 // ---- plots -------------------------------------------------------------------------------
@@ -551,55 +343,34 @@ void MagCalibDlg::initPlots() {
 }
 
 void MagCalibDlg::updatePlots() {
-    // Pairs per plane: XY, XZ, YZ.
-    const QVector<double>* rawH[3] = {&rawX, &rawX, &rawY};
-    const QVector<double>* rawV[3] = {&rawY, &rawZ, &rawZ};
-    const QVector<double>* calH[3] = {&calX, &calX, &calY};
-    const QVector<double>* calV[3] = {&calY, &calZ, &calZ};
+    const MagSampleSet& samples = calibSession.samples();
     for (int p = 0; p < 3; ++p) {
-        curveRaw[p]->setSamples(*rawH[p], *rawV[p]);
-        curveMixedRaw[p]->setSamples(*rawH[p], *rawV[p]);
-        curveCalibrated[p]->setSamples(*calH[p], *calV[p]);
-        if (rawH[p]->isEmpty()) {
+        const QVector<double>& h = samples.raw(kPlaneAxes[p][0]);
+        const QVector<double>& v = samples.raw(kPlaneAxes[p][1]);
+        curveRaw[p]->setSamples(h, v);
+        curveMixedRaw[p]->setSamples(h, v);
+        curveCalibrated[p]->setSamples(samples.calibrated(kPlaneAxes[p][0]),
+                                       samples.calibrated(kPlaneAxes[p][1]));
+        if (h.isEmpty())
             curveLastRaw[p]->setSamples(QVector<double>(), QVector<double>());
-        } else {
-            curveLastRaw[p]->setSamples(QVector<double>{rawH[p]->last()},
-                                        QVector<double>{rawV[p]->last()});
-        }
+        else
+            curveLastRaw[p]->setSamples(QVector<double>{h.last()}, QVector<double>{v.last()});
     }
     for (CalibPlot* plot : {ui->widget_plot_XY, ui->widget_plot_XZ, ui->widget_plot_YZ,
                             ui->widget_plot_mixed_raw, ui->widget_plot_calibrated})
         plot->replot();
-    plottedSampleCount = rawX.size();
+    plottedSampleCount = samples.size();
 }
 
 void MagCalibDlg::clearPlots() {
-    {
-        std::lock_guard<std::mutex> lock(sampleMutex);
-        rawX.clear();
-        rawY.clear();
-        rawZ.clear();
-        calX.clear();
-        calY.clear();
-        calZ.clear();
-        lastCalibCount = 0;
-        for (int i = 0; i < 3; ++i) {
-            offset[i] = 0.0;
-            scale[i] = 1.0;
-        }
-        setPlotsAutoscale(true);
-        updatePlots();
-    }
+    calibSession.clearSamples();
+    setPlotsAutoscale(true);
+    updatePlots();
 }
 
 void MagCalibDlg::scalePlots() {
-    double rawLimit = 0.0;
-    double calLimit = 0.0;
-    {
-        std::lock_guard<std::mutex> lock(sampleMutex);
-        rawLimit = largestAbs(rawX, rawY, rawZ) * 1.1;
-        calLimit = largestAbs(calX, calY, calZ) * 1.1;
-    }
+    const double rawLimit = largestAbs(calibSession.samples(), false) * 1.1;
+    const double calLimit = largestAbs(calibSession.samples(), true) * 1.1;
     for (CalibPlot* plot :
          {ui->widget_plot_XY, ui->widget_plot_XZ, ui->widget_plot_YZ, ui->widget_plot_mixed_raw}) {
         plot->setAxisScale(QwtPlot::xBottom, -rawLimit, rawLimit);
@@ -617,9 +388,9 @@ void MagCalibDlg::setPlotsAutoscale(bool on) {
     }
 }
 
-// Nothing on the form depends on the state beyond what the slots set; kept as the hook it was.
+// Nothing on the form depends on the state beyond what the slots set; an empty hook, kept as
+// shipped.
 void MagCalibDlg::updateForms() {}
-
 void MagCalibDlg::setBwStyleSheet() {
     replaceStyleSheet(this, style->baseWindow);
     setFont(style->font);

@@ -1,30 +1,25 @@
 #pragma once
 
-// The modal magnetometer calibration dialog of the ORYX_C / ORYX_D cameras. It opens the
+// The modal magnetometer calibration dialog of the ORYX_C / ORYX_D cameras. Its session opens the
 // camera's sensor micro-controller itself (the caller must have released the camera), reads raw
 // magnetometer samples on a grab thread, fits an axis-aligned ellipsoid to them while the user
-// turns the camera, shows raw and corrected samples and headings, and stores the calibration in
-// the camera's EEPROM.
+// turns the camera, and stores the calibration in the camera's EEPROM. The dialog drives the
+// session from its buttons and shows raw and corrected samples, headings and the device's verdict
+// from a 100 ms timer.
 
 #include <QDialog>
 #include <QString>
 #include <QTimer>
-#include <QVector>
-#include <atomic>
 #include <memory>
-#include <mutex>
-#include <thread>
 
+#include "CalibrationSession.h"
+
+class CalibPlot;
 class QKeyEvent;
 class QwtPlotCurve;
 class QwtSymbol;
-class OrientCount;
 class Style;
 class Ui_MagCalibDlg;
-
-namespace bw {
-class ORYXmcu;
-}
 
 class MagCalibDlg : public QDialog {
     Q_OBJECT
@@ -33,14 +28,8 @@ public:
     MagCalibDlg(int serial, QWidget* parent = nullptr);
     ~MagCalibDlg() override;
 
-    // For tests and callers that watch the dialog.
-    int rawSampleCount() const;
-    int calibratedSampleCount() const;
-    bool isGrabbing() const { return threadRunning.load(); }
-    bool isAcquiring() const { return acquiring.load(); }
-    bool hasCalibrationToStore() const { return calibToStore; }
-    int lastRefitCount() const { return lastCalibCount; }
-    void currentCalibration(double offsetOut[3], double scaleOut[3]) const;
+    // The device, the samples and the fit behind the dialog, for callers that watch it.
+    const CalibrationSession& session() const { return calibSession; }
 
 signals:
     void cameraError(QString message);
@@ -58,38 +47,30 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    bool initOryxMcu();
-    void updateBwDevList();
+    bool initOryxMcu() { return calibSession.initOryxMcu(); }
     bool startAcquisition();
     void stopAcquisition();
-    void magDataGrabThread(std::shared_ptr<bw::ORYXmcu> device);
-    void calibrateData();  // sampleMutex held by the caller
-    bool loadCalibData();
+    void calibrateData() { calibSession.calibrateData(); }
     bool saveCalibData();
+    void startCalibrating();
+    void stopCalibrating();
     void initPlots();
     void clearPlots();
-    void updatePlots();  // sampleMutex held by the caller
+    void updatePlots();
     void scalePlots();
     void setPlotsAutoscale(bool on);
+    void showGuideEllipses();
+    void showHeadings();
+    void showCalibrationStatus();
+    // The device's verdict on its stored calibration, as the status label says it.
+    static QString statusText(int calibStatus);
     void updateForms();
     void setBwStyleSheet();
     void showStoreError(int icon);
 
     std::unique_ptr<Ui_MagCalibDlg> ui;
     std::shared_ptr<Style> style;
-    int lastCalibCount = 0;
-    int serial = 0;
-    double offset[3] = {0.0, 0.0, 0.0};
-    double scale[3] = {1.0, 1.0, 1.0};
-    // Written by the grab thread, read by the user interface thread.
-    std::atomic<double> headingUncalib{0.0};
-    std::atomic<double> headingCalib{0.0};
-    std::atomic<int> calibStatus{4};
-    std::atomic<float> calibQuality{0.f};
-    std::atomic<double> sampleRate{0.0};
-    // Guarded by sampleMutex.
-    QVector<double> rawX, rawY, rawZ;
-    QVector<double> calX, calY, calZ;
+    CalibrationSession calibSession;
     int plottedSampleCount = 0;  // raw samples on the plots as last drawn
 
     // Markers of the twelve scatter curves; each curve owns its symbol once it has it.
@@ -101,19 +82,5 @@ private:
     QwtPlotCurve* curveMixedRaw[3] = {};
     QwtPlotCurve* curveCalibrated[3] = {};
 
-    std::shared_ptr<bw::ORYXmcu> mcu;
-    QVector<QString> devFirmware;
-    QVector<QString> devSerials;
-    QVector<unsigned short> devProductIds;
-
-    std::thread grabThread;
-    mutable std::mutex sampleMutex;
-    bool mcuClosed = false;
-    std::atomic<bool> threadRunning{false};
-    std::atomic<bool> stopRequested{false};
-    std::atomic<bool> acquiring{false};
-    bool calibToStore = false;
     QTimer updateTimer;
-    std::shared_ptr<OrientCount> orientCount;  // replaced by the grab thread under sampleMutex
 };
-
