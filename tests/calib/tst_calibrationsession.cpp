@@ -2,11 +2,13 @@
 // grab thread collects across start, stop and restart; how it ends, and is reported, whatever the
 // micro-controller does; a device that does not open; the fit stored in the EEPROM, its read-back
 // and a refused write; and the sample set's refit rhythm.
+#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QtTest>
 #include <bw/sim/Bus.hpp>
 #include <bw/sim/Clock.hpp>
 #include <cmath>
+#include <functional>
 #include <vector>
 
 #include "CalibrationSession.h"
@@ -25,8 +27,9 @@ namespace {
 constexpr unsigned kSerial = kTumblingSerial;
 constexpr std::uint64_t kMs = 1'000'000ull;
 constexpr std::uint64_t kSecond = 1000 * kMs;
-// Only a guard against a thread that never delivers; a working session needs a fraction of it.
-constexpr int kWaitMs = 10000;
+// Real time a wait allows: only a guard against a thread that never delivers, which a working
+// session needs a small fraction of.
+constexpr int kWaitMs = 5000;
 
 const QString kNotDetected = QStringLiteral(
     "ORYX_C/ORYX_D with serial number %1 not detected. Please verify the connections and retry");
@@ -51,36 +54,56 @@ std::vector<bw::sim::MagSample> measured(unsigned serial, std::uint64_t fromNs,
     return out;
 }
 
-// Waits until the session has taken in the sample the device measured at `ns`. Device time is
-// counted in ticks of 39 µs, so the reading's time is at most one tick earlier.
-void waitUntilTaken(const CalibrationSession& session, std::uint64_t ns) {
-    const double ms = double(ns) / 1e6;
-    QTRY_VERIFY2_WITH_TIMEOUT(
-        std::abs(session.reading().timeMs - ms) < 1.0,
-        qPrintable(QString("newest sample taken in at %1 ms, waiting for %2 ms")
-                       .arg(session.reading().timeMs, 0, 'f', 3)
-                       .arg(ms, 0, 'f', 3)),
-        kWaitMs);
+// Waits at most kWaitMs of real time for `done`, handling events meanwhile.
+bool waitFor(const std::function<bool()>& done) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!done()) {
+        if (clock.elapsed() > kWaitMs) return false;
+        QTest::qWait(5);
+    }
+    return true;
 }
 
-// The session holds exactly the device's samples, each once and in order, in the dialog's axes:
-// x = -d1, y = d0, z = d2, read to a sixteenth of a microtesla.
-void compareWithDevice(const MagSampleSet& got, const std::vector<bw::sim::MagSample>& want) {
-    QCOMPARE(got.size(), int(want.size()));
+// Verifies that `failure`, a description of what went wrong, is empty.
+#define VERIFY_NO_FAILURE(failure)                                \
+    do {                                                          \
+        const QString description = (failure);                    \
+        QVERIFY2(description.isEmpty(), qPrintable(description)); \
+    } while (false)
+
+// Waits until the session has taken in the sample the device measured at `ns`, and says what it
+// saw if it never does. Device time is counted in ticks of 39 µs, so the reading's time is at
+// most one tick earlier.
+QString takeIn(const CalibrationSession& session, std::uint64_t ns) {
+    const double ms = double(ns) / 1e6;
+    if (waitFor([&] { return std::abs(session.reading().timeMs - ms) < 1.0; })) return {};
+    return QString("the newest sample taken in is at %1 ms, not %2 ms")
+        .arg(session.reading().timeMs, 0, 'f', 3)
+        .arg(ms, 0, 'f', 3);
+}
+
+// The first difference between the session's samples and the device's, or nothing. The session
+// must hold each device sample once and in order, in the dialog's axes: x = -d1, y = d0, z = d2,
+// read to a sixteenth of a microtesla.
+QString differences(const MagSampleSet& got, const std::vector<bw::sim::MagSample>& want) {
+    if (got.size() != int(want.size()))
+        return QString("%1 samples, the device measured %2").arg(got.size()).arg(want.size());
     const double halfCount = 1.0 / 32 + 1e-6;
     for (int i = 0; i < got.size(); ++i) {
         const bw::Vector3<float>& f = want[std::size_t(i)].rawField;
         const double expected[3] = {-f.y, f.x, f.z};
         for (int axis = 0; axis < 3; ++axis) {
-            QVERIFY2(std::abs(got.raw(axis)[i] - expected[axis]) <= halfCount,
-                     qPrintable(QString("sample %1 of %2, axis %3: %4, device %5")
-                                    .arg(i)
-                                    .arg(got.size())
-                                    .arg(axis)
-                                    .arg(got.raw(axis)[i])
-                                    .arg(expected[axis])));
+            if (std::abs(got.raw(axis)[i] - expected[axis]) > halfCount)
+                return QString("sample %1 of %2, axis %3: %4, device %5")
+                    .arg(i)
+                    .arg(got.size())
+                    .arg(axis)
+                    .arg(got.raw(axis)[i])
+                    .arg(expected[axis]);
         }
     }
+    return {};
 }
 
 std::vector<bw::sim::MagSample> between(const std::vector<bw::sim::MagSample>& all,
@@ -124,7 +147,7 @@ private slots:
         };
 
         sim.allowUntil(500 * kMs);
-        waitUntilTaken(session, lastUntil(500 * kMs));
+        VERIFY_NO_FAILURE(takeIn(session, lastUntil(500 * kMs)));
         QCOMPARE(session.samples().size(), 0);
         QCOMPARE(session.reading().calibStatus, int(MAG_CALIB_NONE));
         // Nothing stored on the device: its heading is the uncalibrated one.
@@ -132,9 +155,9 @@ private slots:
 
         session.startCollecting();
         sim.allowUntil(1500 * kMs);
-        waitUntilTaken(session, lastUntil(1500 * kMs));
-        compareWithDevice(session.samples(),
-                          between(device, sim.start + 500 * kMs, sim.start + 1500 * kMs));
+        VERIFY_NO_FAILURE(takeIn(session, lastUntil(1500 * kMs)));
+        VERIFY_NO_FAILURE(differences(
+            session.samples(), between(device, sim.start + 500 * kMs, sim.start + 1500 * kMs)));
 
         session.stopAcquisition();
         QVERIFY(!session.isGrabbing());
@@ -147,9 +170,9 @@ private slots:
 
         QVERIFY(session.startAcquisition());
         QVERIFY(session.isGrabbing());
-        waitUntilTaken(session, lastUntil(2500 * kMs));
-        compareWithDevice(session.samples(),
-                          between(device, sim.start + 500 * kMs, sim.start + 2500 * kMs));
+        VERIFY_NO_FAILURE(takeIn(session, lastUntil(2500 * kMs)));
+        VERIFY_NO_FAILURE(differences(
+            session.samples(), between(device, sim.start + 500 * kMs, sim.start + 2500 * kMs)));
     }
 
     // A device that stops delivering ends the grab thread with one report; once the device
@@ -170,14 +193,14 @@ private slots:
         startGrabbing(session);
         session.startCollecting();
         sim.allowUntil(1 * kSecond);
-        QTRY_VERIFY_WITH_TIMEOUT(session.samples().size() >= 20, kWaitMs);
+        QVERIFY2(waitFor([&] { return session.samples().size() >= 20; }), "no samples collected");
 
         bw::sim::Faults f;
         f.mcuReadFails = failure == 0;
         f.magUnavailable = failure == 1;
         sim.setFaults(f);
         if (failure == 2) Bus::instance().unplug(kSerial);
-        QTRY_COMPARE_WITH_TIMEOUT(errors.size(), 1, kWaitMs);
+        QVERIFY2(waitFor([&] { return !errors.isEmpty(); }), "the failure was not reported");
         QCOMPARE(errors[0][0].toString(), kReadError);
         QVERIFY(!session.isGrabbing());
         QCoreApplication::processEvents();
@@ -189,7 +212,8 @@ private slots:
         QVERIFY(session.startAcquisition());
         QVERIFY(session.isGrabbing());
         sim.allowAnother(1 * kSecond);
-        QTRY_VERIFY_WITH_TIMEOUT(session.samples().size() >= before + 20, kWaitMs);
+        QVERIFY2(waitFor([&] { return session.samples().size() >= before + 20; }),
+                 "no samples after the restart");
         QCOMPARE(errors.size(), 1);
     }
 
@@ -246,7 +270,8 @@ private slots:
         // Collecting from the first sample on: the device's verdict is not taken meanwhile.
         session.startCollecting();
         sim.allowUntil(40 * kSecond);
-        QTRY_VERIFY_WITH_TIMEOUT(session.samples().size() >= 1800, kWaitMs);
+        QVERIFY2(waitFor([&] { return session.samples().size() >= 1800; }),
+                 qPrintable(QString("%1 samples collected").arg(session.samples().size())));
         QCOMPARE(session.reading().calibStatus, int(MAG_CALIB_UNKNOWN));
         session.stopCollecting();
         QVERIFY(session.hasCalibrationToStore());
@@ -281,7 +306,8 @@ private slots:
         }
 
         sim.allowUntil(41 * kSecond);
-        QTRY_COMPARE_WITH_TIMEOUT(session.reading().calibStatus, int(MAG_CALIB_GOOD), kWaitMs);
+        QVERIFY2(waitFor([&] { return session.reading().calibStatus == MAG_CALIB_GOOD; }),
+                 qPrintable(QString("status %1").arg(session.reading().calibStatus)));
         QVERIFY(session.reading().calibQuality > 0.9f);
         QVERIFY(session.reading().headingCalib != session.reading().headingUncalib);
     }
@@ -324,8 +350,8 @@ private slots:
         QSignalSpy errors(&session, &CalibrationSession::cameraError);
         startGrabbing(session);
         sim.allowUntil(1 * kSecond);
-        waitUntilTaken(session,
-                       measured(kSerial, sim.start, sim.start + kSecond).back().timestampNs);
+        VERIFY_NO_FAILURE(
+            takeIn(session, measured(kSerial, sim.start, sim.start + kSecond).back().timestampNs));
         session.stopCollecting();
         bw::sim::Faults f;
         f.eepromWriteFails = true;
@@ -337,7 +363,8 @@ private slots:
         // Every sample up to the store was taken in: later ones come from the resumed capture.
         const double before = session.reading().timeMs;
         sim.allowAnother(1 * kSecond);
-        QTRY_VERIFY_WITH_TIMEOUT(session.reading().timeMs > before + 500, kWaitMs);
+        QVERIFY2(waitFor([&] { return session.reading().timeMs > before + 500; }),
+                 "no live reading after the store");
         QVERIFY(session.isGrabbing());
 
         sim.setFaults({});
