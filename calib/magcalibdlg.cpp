@@ -118,7 +118,8 @@ MagCalibDlg::MagCalibDlg(int serial, QWidget* parent)
     connect(&calibSession, &CalibrationSession::calibrationFitted, this, &MagCalibDlg::updatePlots);
     connect(&updateTimer, &QTimer::timeout, this, &MagCalibDlg::onUpdateTimer);
 
-    if (initOryxMcu()) startAcquisition();
+    // With the device open the grab thread starts; the session reports any failure itself.
+    if (initOryxMcu()) (void)startAcquisition();
 }
 
 // The session ends the grab thread and closes the device.
