@@ -11,6 +11,7 @@
 #include <functional>
 #include <vector>
 
+#include "CalibrationMessages.h"
 #include "CalibrationSession.h"
 #include "SimulatedMcu.h"
 #include "physics/SensorTimeline.hpp"
@@ -19,6 +20,7 @@ using bw::MODEL;
 using bw::sim::Bus;
 using bw::sim::Clock;
 using bw::sim::DeviceConfig;
+using namespace calibmsg;
 using namespace simmcu;
 using StoreResult = CalibrationSession::StoreResult;
 
@@ -30,12 +32,6 @@ constexpr std::uint64_t kSecond = 1000 * kMs;
 // Real time a wait allows: only a guard against a thread that never delivers, which a working
 // session needs a small fraction of.
 constexpr int kWaitMs = 5000;
-
-const QString kNotDetected = QStringLiteral(
-    "ORYX_C/ORYX_D with serial number %1 not detected. Please verify the connections and retry");
-const QString kCannotOpen = QStringLiteral(
-    "Cannot open the ORYX_C/ORYX_D camera. Please verify the connections and restart");
-const QString kReadError = QStringLiteral("Error retrieving sensors data");
 
 // The magnetometer samples the camera measures after fromNs up to toNs, from a timeline of its
 // own: what a grab thread that misses nothing reads.

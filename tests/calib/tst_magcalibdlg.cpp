@@ -10,6 +10,7 @@
 #include <cmath>
 #include <memory>
 
+#include "CalibrationMessages.h"
 #include "MessageBoxWatcher.h"
 #include "SimulatedMcu.h"
 #include "WidgetTestMain.h"
@@ -19,6 +20,7 @@ using bw::MODEL;
 using bw::sim::Bus;
 using bw::sim::Clock;
 using bw::sim::DeviceConfig;
+using namespace calibmsg;
 using namespace simmcu;
 
 namespace {
@@ -30,13 +32,8 @@ constexpr std::uint64_t kSecond = 1000 * kMs;
 // wait lasts longer than this when the dialog redraws between steps.
 constexpr int kWaitMs = 20000;
 
-const QString kNotDetected = QStringLiteral(
-    "ORYX_C/ORYX_D with serial number %1 not detected. Please verify the connections and retry");
-const QString kCannotOpen = QStringLiteral(
-    "Cannot open the ORYX_C/ORYX_D camera. Please verify the connections and restart");
 const QString kStoreError =
     QStringLiteral("An error occurred while saving calibration parameters. Please retry.");
-const QString kReadError = QStringLiteral("Error retrieving sensors data");
 
 template <class T>
 T* child(QWidget& parent, const char* name) {
