@@ -116,6 +116,7 @@ MagCalibDlg::MagCalibDlg(int serial, QWidget* parent)
     connect(this, &MagCalibDlg::cameraError, this, &MagCalibDlg::onCameraError,
             Qt::QueuedConnection);
     connect(&calibSession, &CalibrationSession::calibrationFitted, this, &MagCalibDlg::updatePlots);
+    connect(&calibSession, &CalibrationSession::samplesAdded, this, [this] { plotsBehind = true; });
     connect(&updateTimer, &QTimer::timeout, this, &MagCalibDlg::onUpdateTimer);
 
     // With the device open the grab thread starts; the session reports any failure itself.
@@ -257,7 +258,7 @@ void MagCalibDlg::onUpdateTimer() {
         if (calibSession.refitIfDue()) showGuideEllipses();
         // Five scatter plots of thousands of points are costly to draw: only new samples are
         // worth it. A device that stops delivering leaves the dialog idle, not busy.
-        if (calibSession.samples().size() != plottedSampleCount) updatePlots();
+        if (plotsBehind) updatePlots();
     }
     showHeadings();
     showCalibrationStatus();
@@ -360,7 +361,7 @@ void MagCalibDlg::updatePlots() {
     for (CalibPlot* plot : {ui->widget_plot_XY, ui->widget_plot_XZ, ui->widget_plot_YZ,
                             ui->widget_plot_mixed_raw, ui->widget_plot_calibrated})
         plot->replot();
-    plottedSampleCount = samples.size();
+    plotsBehind = false;
 }
 
 void MagCalibDlg::clearPlots() {

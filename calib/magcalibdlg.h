@@ -71,7 +71,7 @@ private:
     std::unique_ptr<Ui_MagCalibDlg> ui;
     std::shared_ptr<Style> style;
     CalibrationSession calibSession;
-    int plottedSampleCount = 0;  // raw samples on the plots as last drawn
+    bool plotsBehind = false;  // samples arrived since the plots were last drawn
 
     // Markers of the twelve scatter curves; each curve owns its symbol once it has it.
     QwtSymbol* symbols[12] = {};

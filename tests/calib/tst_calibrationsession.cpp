@@ -136,6 +136,8 @@ private slots:
     void collectsEveryNewSampleOnceAcrossStopAndRestart() {
         Sim sim({tumblingD()});
         CalibrationSession session(kSerial);
+        QSignalSpy readings(&session, &CalibrationSession::readingChanged);
+        QSignalSpy added(&session, &CalibrationSession::samplesAdded);
         startGrabbing(session);
         const auto device = measured(kSerial, sim.start, sim.start + 3 * kSecond);
         const auto lastUntil = [&](std::uint64_t ns) {
@@ -145,6 +147,8 @@ private slots:
         sim.allowUntil(500 * kMs);
         VERIFY_NO_FAILURE(takeIn(session, lastUntil(500 * kMs)));
         QCOMPARE(session.samples().size(), 0);
+        QVERIFY(added.isEmpty());
+        QVERIFY(!readings.isEmpty());
         QCOMPARE(session.reading().calibStatus, int(MAG_CALIB_NONE));
         // Nothing stored on the device: its heading is the uncalibrated one.
         QCOMPARE(session.reading().headingCalib, session.reading().headingUncalib);
@@ -154,6 +158,8 @@ private slots:
         VERIFY_NO_FAILURE(takeIn(session, lastUntil(1500 * kMs)));
         VERIFY_NO_FAILURE(differences(
             session.samples(), between(device, sim.start + 500 * kMs, sim.start + 1500 * kMs)));
+
+        QCOMPARE(added.last()[0].toInt(), session.samples().size());
 
         session.stopAcquisition();
         QVERIFY(!session.isGrabbing());

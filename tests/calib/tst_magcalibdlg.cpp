@@ -1,6 +1,9 @@
 // The calibration dialog on simulated cameras with virtual time, as the user sees it: a whole
 // calibration of a tumbling camera with its buttons, boxes and status texts, reset, and every
 // device failure the dialog reports. What the device and the fit do is tested on the session.
+#include <qwt_plot.h>
+#include <qwt_plot_curve.h>
+
 #include <QLabel>
 #include <QPushButton>
 #include <QtTest>
@@ -38,6 +41,14 @@ const QString kStoreError =
 template <class T>
 T* child(QWidget& parent, const char* name) {
     return parent.findChild<T*>(QString::fromLatin1(name));
+}
+
+// The points the dialog has drawn on the named plot's curve of that title.
+int pointsOn(QWidget& dialog, const char* plotName, const QString& title) {
+    for (QwtPlotItem* item :
+         child<QwtPlot>(dialog, plotName)->itemList(QwtPlotItem::Rtti_PlotCurve))
+        if (item->title().text() == title) return int(static_cast<QwtPlotCurve*>(item)->dataSize());
+    return -1;
 }
 
 }  // namespace
@@ -81,7 +92,13 @@ private slots:
         QVERIFY(!reset->isEnabled());
         QTRY_COMPARE(status->text(), QString("CALIBRATING"));
 
-        // The timer refits while samples are being collected.
+        // The timer draws the samples as they arrive, long before the first refit, and refits
+        // while they are being collected.
+        collect(dlg, sim, 1500 * kMs, 40);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            pointsOn(dlg, "widget_plot_XY", "Raw Mag XY") == dlg.session().samples().size(),
+            kWaitMs);
+        QCOMPARE(dlg.session().samples().lastRefitCount(), 0);
         collect(dlg, sim, 40 * kSecond, 1800);
         QTRY_VERIFY_WITH_TIMEOUT(dlg.session().samples().lastRefitCount() > 100, kWaitMs);
 
