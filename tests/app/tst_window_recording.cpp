@@ -154,13 +154,15 @@ private slots:
         const QString path = w.recordingPath();
         QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(path).size() > 20000, kTimeoutMs);
         w.form()->toolButton_save->click();
+        // The rows written must still be in the series when they are compared.
+        time->pause();
 
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QStringList lines = QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts);
         QStringList header = lines.first().split(',');
         for (QString& name : header) name = name.trimmed();  // "moving, " has its blank
-        const QMap<QString, QVector<double> SensorSeries::*> columns{
+        const QMap<QString, SampleColumn SensorSeries::*> columns{
             {"imu_Timestamp[sec]", &SensorSeries::imuTime},
             {"mag_Timestamp[sec]", &SensorSeries::magTime},
             {"baro_Timestamp[sec]", &SensorSeries::baroTime},
@@ -193,11 +195,12 @@ private slots:
         const SensorSeries& s = w.sampleSeries();
         for (int n = 1; n < lines.size(); ++n) {
             const QStringList fields = lines[n].split(',');
-            const int row = fields[0].toInt();
+            const RowNumber row(fields[0].toLongLong());
+            QVERIFY2(row >= s.imuTime.firstRow(), "the row has left the series");
             for (int c = 1; c < header.size(); ++c) {
                 const auto series = columns.value(header[c]);
                 if (series == nullptr) continue;
-                const QString want = QString::number((s.*series)[row], 'f', 9);
+                const QString want = QString::number((s.*series).at(row), 'f', 9);
                 QVERIFY2(fields[c] == want, qPrintable(QString("line %1, %2: %3, sampled %4")
                                                            .arg(n)
                                                            .arg(header[c], fields[c], want)));
