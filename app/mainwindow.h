@@ -139,6 +139,8 @@ private:
     double rowsPerSecond() const override;
     void saveRow(RowNumber row, const bw::SensorsData& latest) override;
     void saveValues(RowNumber row, const bw::SensorsData& latest);
+    // On the GUI thread, after a row could not be written to `path`.
+    void recordingFailed(const QString& path, const QString& reason);
 
     void showMessage(int icon, const QString& title, const QString& text);
 

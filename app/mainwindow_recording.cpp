@@ -87,5 +87,19 @@ void MainWindow::saveValues(RowNumber i, const bw::SensorsData& latest) {
     celsius = 0.f;
     if (latest.temperature.get(Location::BAROMETER, celsius) == bw::SUCCESS)
         row.tempBarometer = celsius;
-    csvWriter.writeRow(row);
+    if (csvWriter.writeRow(row) != CsvWriter::WriteOutcome::FAILED) return;
+    // The user is told on the GUI thread; this thread must not wait for a message box.
+    QMetaObject::invokeMethod(
+        this,
+        [this, path = csvWriter.fileName(), reason = csvWriter.errorString()] {
+            recordingFailed(path, reason);
+        },
+        Qt::QueuedConnection);
+}
+
+// The recording stops and the user learns why; the camera and the views go on. A recording the
+// user has stopped (or begun anew) meanwhile is left as it is.
+void MainWindow::recordingFailed(const QString& path, const QString& reason) {
+    if (csvWriter.hasFailed()) stopRecording();
+    showFileWriteError(this, *style, path, reason);
 }
