@@ -181,17 +181,15 @@ public:
         return cpu;
     }
 
-    // Samples until `seconds` of camera time have passed, calling `everyHour` with the series
-    // locked after each sampled hour; polls rather than spins so that the sampling thread has the
-    // core.
-    void sampleFor(double seconds, const std::function<void(int, const SensorSeries&)>& everyHour) {
+    // Samples `hours` of camera time, calling `everyHour` with the series locked after each
+    // sampled hour; polls rather than spins so that the sampling thread has the core.
+    void sampleHours(int hours, const std::function<void(int, const SensorSeries&)>& everyHour) {
         session.start();
-        int hours = 0;
-        for (double sampled = 0.0; sampled < seconds; sampled = sampledSeconds()) {
+        for (int hour = 1; hour <= hours;) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
-            if (sampled < 3600.0 * (hours + 1)) continue;
+            if (sampledSeconds() < 3600.0 * hour) continue;
             std::lock_guard<std::mutex> lock(session.seriesMutex());
-            everyHour(++hours, session.series());
+            everyHour(hour++, session.series());
         }
         session.close();
     }
@@ -255,7 +253,7 @@ void BM_MemoryOverADay(benchmark::State& state) {
     double afterFirstHour = 0.0, seriesAfterFirstHour = 0.0, largestSeries = 0.0;
     const auto wallStart = SteadyClock::now();
     for (auto _ : state) {
-        sampling->sampleFor(3600.0 * kHours, [&](int hour, const SensorSeries& series) {
+        sampling->sampleHours(kHours, [&](int hour, const SensorSeries& series) {
             const double resident = residentBytes();
             const double seriesBytes = static_cast<double>(series.bytes());
             std::printf(

@@ -26,11 +26,6 @@ constexpr std::size_t kSeriesCount = kImuRowSeries.size() + kFallbackTemperature
 static_assert(sizeof(SensorSeries) == kSeriesCount * sizeof(SampleColumn),
               "every series of SensorSeries must belong to one of the groups");
 
-template <std::size_t N, typename Fn>
-void forEach(SensorSeries& s, const std::array<Column, N>& group, Fn fn) {
-    for (Column c : group) fn(s.*c);
-}
-
 template <typename Series, typename Fn>
 void forEachSeries(Series& s, Fn fn) {
     for (Column c : kImuRowSeries) fn(s.*c);
@@ -47,7 +42,7 @@ void keepRecent(SensorSeries& s, const std::array<Column, N>& group) {
     const double oldestKept = time.last() - SensorSeries::kKeptSeconds;
     while (time.chunkCount() > SensorSeries::maxChunksPerSeries() ||
            (time.chunkCount() > 1 && time.at(time.oldestChunkLastRow()) < oldestKept))
-        forEach(s, group, [](SampleColumn& c) { c.dropOldestChunk(); });
+        for (Column c : group) (s.*c).dropOldestChunk();
 }
 
 }  // namespace
