@@ -78,6 +78,11 @@ private:
     bool applied = false;
 };
 
+int lineCount(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? int(file.readAll().count('\n')) : 0;
+}
+
 std::int64_t sampledRows(MainWindow& w) {
     std::lock_guard<std::mutex> lock(w.sampleMutex());
     return w.sampleSeries().endRow().value();
@@ -146,7 +151,8 @@ private slots:
         const QString path = w.recordingPath();
         QVERIFY(!QFileInfo(path).fileName().contains(' '));
         QVERIFY(path.endsWith("-ORYX_D-sn_31000017-ORYXSensorsData.csv"));
-        QTest::qWait(300);  // about thirty seconds of samples on the paced clock
+        // A few seconds of samples on the paced clock; how long that takes depends on the load.
+        QTRY_VERIFY_WITH_TIMEOUT(lineCount(path) > 300, kTimeoutMs);
         w.form()->toolButton_save->click();
         QCOMPARE(w.form()->toolButton_save->text(), QString("Record"));
         QVERIFY(w.form()->pushButton_rec_option->isEnabled());
