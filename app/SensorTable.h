@@ -22,7 +22,7 @@ enum class TimeBase {
     TEMPERATURE,   // the barometer's samples, or the IMU's when the camera has no barometer samples
 };
 
-using Series = QVector<double> SensorSeries::*;
+using Series = SampleColumn SensorSeries::*;
 using Level = std::atomic<float> SensorLevels::*;
 using Rate = std::atomic<double> SensorLevels::*;
 

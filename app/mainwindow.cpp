@@ -224,11 +224,7 @@ void MainWindow::showEmptyChart() {
     ui->frame_data_options->setEnabled(false);
     initCharts();
     DataPlot* plot = ui->widget_chart;
-    const SensorSeries& series = session.series();
     const float range = session.levels().accRange;
-    plot->updateData(DataPlot::ACC_X, series.imuTime, series.accX, false);
-    plot->updateData(DataPlot::ACC_Y, series.imuTime, series.accY, false);
-    plot->updateData(DataPlot::ACC_Z, series.imuTime, series.accZ, false);
     plot->setValRange(-range, range, false);
     plot->setTimeRange(0, 10, false);
     plot->replot();

@@ -129,7 +129,7 @@ private:
     void changeSensor(std::optional<Sensor> sensor);
     void setValueAxis(const SensorInfo& info, double margin);
     void updateChartTimeSize();
-    void feedChart(Sensor sensor, int imuStart);
+    void feedChart(Sensor sensor, RowNumber imuStart);
     void showReadout(Sensor sensor);
 
     // Recording. The sampling thread asks whether and which rows to write.
@@ -137,8 +137,10 @@ private:
     void printDiskFreeSpace();
     bool isRecording() const override { return recording; }
     double rowsPerSecond() const override;
-    void saveRow(int row, const bw::SensorsData& latest) override;
-    void saveValues(int row, const bw::SensorsData& latest);
+    void saveRow(RowNumber row, const bw::SensorsData& latest) override;
+    void saveValues(RowNumber row, const bw::SensorsData& latest);
+    // On the GUI thread, after a row could not be written to `path`.
+    void recordingFailed(const QString& path, const QString& reason);
 
     void showMessage(int icon, const QString& title, const QString& text);
 
@@ -156,19 +158,18 @@ private:
     QVector<LiveCameraSession::Camera> listedCameras;
     LiveCameraSession::Camera selected;
     QString selectedModelName;
-    QStringList recordings;            // given on the command line or dropped, newest first
-    QStringList refusedRecordings;     // not listed again
-    ReplayBar* replayBar = nullptr;    // shown while a recording is open
-    bw::Timestamp replayStartNs = 0;   // recorded time of the first frame
-    bool detecting = false;      // the camera list is being rebuilt
-    bool noCamera = true;        // searching for cameras
-    bool openingCamera = false;  // createLiveInput is running, possibly inside a message box
+    QStringList recordings;           // given on the command line or dropped, newest first
+    QStringList refusedRecordings;    // not listed again
+    ReplayBar* replayBar = nullptr;   // shown while a recording is open
+    bw::Timestamp replayStartNs = 0;  // recorded time of the first frame
+    bool detecting = false;           // the camera list is being rebuilt
+    bool noCamera = true;             // searching for cameras
+    bool openingCamera = false;       // createLiveInput is running, possibly inside a message box
     DetectionThread detectionThread;
     LiveCameraSession session{detectionThread.mutex()};
 
     std::optional<Sensor> shown;  // none until a sensor is chosen; drawn as the accelerometer
     int timeRange = 5;            // seconds shown by the chart
-    QVector<double> plotTime, plotY0, plotY1, plotY2;  // what the last chart update handed over
     std::chrono::steady_clock::time_point lastDisplayUpdate;
     int imageFrameCount = 0;
     // Cameras without motion sensors: the image clock's first reading is the time origin.

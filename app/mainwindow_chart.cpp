@@ -1,6 +1,7 @@
 // The chart: which sensor it shows, over how long a stretch of time, fed from the series.
 #include <QTimer>
 
+#include "ChartSamples.h"
 #include "ChartSpan.h"
 #include "DataPlot.h"
 #include "mainwindow.h"
@@ -9,16 +10,13 @@
 
 namespace {
 
-constexpr int kReservedRows = 24000;
 constexpr double kMarginWhenChosen = 1.1;
 constexpr double kMarginWhenFed = 1.05;
-
-QVector<double> tail(const QVector<double>& series, int start) { return series.mid(start); }
 
 }  // namespace
 
 void MainWindow::initCharts() {
-    session.clearSeries(kReservedRows);
+    session.clearSeries();
     DataPlot* plot = ui->widget_chart;
     plot->setAutoReplot(false);
     for (int i = 0; i < DataPlot::curveCount; ++i)
@@ -82,12 +80,13 @@ void MainWindow::updatePlot() {
     const SensorSeries& series = session.series();
     DataPlot* plot = ui->widget_chart;
     plot->setAutoReplot(false);
-    if (series.accX.isEmpty()) return;
+    if (series.imuTime.isEmpty()) return;
     plotTimer->stop();
 
     const int imuRate = sensorInfo(Sensor::ACCELEROMETER).chart.nominalRate;
-    const int start = chart::imuStartIndex(series.accX.size(), timeRange, imuRate);
-    const int period = chart::refreshPeriodMs(series.accX.size() - start);
+    const RowNumber start =
+        chart::imuStartRow(series.imuTime.firstRow(), series.imuTime.endRow(), timeRange, imuRate);
+    const int period = chart::refreshPeriodMs(series.imuTime.endRow() - start);
     if (period != plotPeriodMs) {
         plotPeriodMs = period;
         plotTimer->setInterval(plotPeriodMs);
@@ -98,14 +97,15 @@ void MainWindow::updatePlot() {
 }
 
 // Hands the chart the newest stretch of the sensor's series; the caller holds the series lock.
-void MainWindow::feedChart(Sensor sensor, int imuStart) {
+// The curves read the rows in place, also when they are drawn later, without the lock.
+void MainWindow::feedChart(Sensor sensor, RowNumber imuStart) {
     const SensorSeries& series = session.series();
     const SensorInfo& info = sensorInfo(sensor);
     const SensorChart& chart = info.chart;
 
-    const QVector<double>* time = &series.imuTime;
+    const SampleColumn* time = &series.imuTime;
     const std::array<Series, 3>* curves = &chart.curves;
-    int start = imuStart;
+    RowNumber start = imuStart;
     int rate = chart.nominalRate;
     switch (chart.timeBase) {
         case TimeBase::IMU:
@@ -128,19 +128,23 @@ void MainWindow::feedChart(Sensor sensor, int imuStart) {
             break;
     }
     if (chart.timeBase != TimeBase::IMU)
-        start = chart::eventStartIndex(time->size(), timeRange, rate);
+        start = chart::eventStartRow(time->firstRow(), time->endRow(), timeRange, rate);
 
-    plotTime = tail(*time, start);
-    QVector<double>* values[3] = {&plotY0, &plotY1, &plotY2};
+    const ColumnSlice times = time->slice(start);
     DataPlot* plot = ui->widget_chart;
     for (int i = 0; i < 3 && (*curves)[i] != nullptr; ++i) {
-        *values[i] = tail(series.*(*curves)[i], start);
-        plot->updateData(static_cast<DataPlot::DataType>(chart.firstCurve + i), plotTime,
-                         *values[i], false);
+        plot->setCurveData(static_cast<DataPlot::DataType>(chart.firstCurve + i),
+                           new ChartSamples(times, (series.*(*curves)[i]).slice(start)), false);
     }
     // Also handed to the hidden left-temperature curve; the next temperature update replaces it.
-    if (sensor == Sensor::BAROMETER) plot->updateData(DataPlot::TEMP_LEFT, plotTime, plotY0, false);
+    if (sensor == Sensor::BAROMETER) {
+        plot->setCurveData(DataPlot::TEMP_LEFT,
+                           new ChartSamples(times, (series.*chart.curves[0]).slice(start)), false);
+    }
     setValueAxis(info, kMarginWhenFed);
-    const chart::TimeAxis axis = chart::timeAxisFor(plotTime, timeRange);
+    chart::TimeAxis axis;
+    if (!times.isEmpty())
+        axis =
+            chart::timeAxisFor(times.at(times.firstRow()), times.at(times.endRow() - 1), timeRange);
     plot->setTimeRange(axis.min, axis.max, false);
 }

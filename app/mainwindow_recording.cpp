@@ -64,28 +64,42 @@ void MainWindow::setFreeSpace(double gigabytes, const QString& path) {
 
 double MainWindow::rowsPerSecond() const { return recOptions.sampleFreq; }
 
-void MainWindow::saveRow(int row, const bw::SensorsData& latest) { saveValues(row, latest); }
+void MainWindow::saveRow(RowNumber row, const bw::SensorsData& latest) { saveValues(row, latest); }
 
-void MainWindow::saveValues(int i, const bw::SensorsData& latest) {
+void MainWindow::saveValues(RowNumber i, const bw::SensorsData& latest) {
     // Runs on the sampling thread, which holds the series lock; the module outlives the thread.
     const InputThreadModul* module = session.input();
     if (module == nullptr || !csvWriter.isOpen() || !module->isRunning()) return;
     const SensorSeries& s = session.series();
     CsvRow row;
-    row.index = i;
-    row.imuTime = s.imuTime[i], row.magTime = s.magTime[i], row.baroTime = s.baroTime[i];
-    row.accX = s.accX[i], row.accY = s.accY[i], row.accZ = s.accZ[i];
-    row.gyroX = s.gyroX[i], row.gyroY = s.gyroY[i], row.gyroZ = s.gyroZ[i];
-    row.magX = s.magX[i], row.magY = s.magY[i], row.magZ = s.magZ[i];
-    row.orientX = s.orientX[i], row.orientY = s.orientY[i], row.orientZ = s.orientZ[i];
-    row.pressure = s.pressure[i], row.altitude = s.altitude[i];
-    row.movingState = s.movingState[i];
-    row.tempLeft = s.tempLeft[i], row.tempRight = s.tempRight[i];
+    row.index = i.value();
+    row.imuTime = s.imuTime.at(i), row.magTime = s.magTime.at(i), row.baroTime = s.baroTime.at(i);
+    row.accX = s.accX.at(i), row.accY = s.accY.at(i), row.accZ = s.accZ.at(i);
+    row.gyroX = s.gyroX.at(i), row.gyroY = s.gyroY.at(i), row.gyroZ = s.gyroZ.at(i);
+    row.magX = s.magX.at(i), row.magY = s.magY.at(i), row.magZ = s.magZ.at(i);
+    row.orientX = s.orientX.at(i), row.orientY = s.orientY.at(i), row.orientZ = s.orientZ.at(i);
+    row.pressure = s.pressure.at(i), row.altitude = s.altitude.at(i);
+    row.movingState = s.movingState.at(i);
+    row.tempLeft = s.tempLeft.at(i), row.tempRight = s.tempRight.at(i);
     using Location = bw::SensorsData::TemperatureData::SENSOR_LOCATION;
     float celsius = 0.f;
     if (latest.temperature.get(Location::IMU, celsius) == bw::SUCCESS) row.tempImu = celsius;
     celsius = 0.f;
     if (latest.temperature.get(Location::BAROMETER, celsius) == bw::SUCCESS)
         row.tempBarometer = celsius;
-    csvWriter.writeRow(row);
+    if (csvWriter.writeRow(row) != CsvWriter::WriteOutcome::FAILED) return;
+    // The user is told on the GUI thread; this thread must not wait for a message box.
+    QMetaObject::invokeMethod(
+        this,
+        [this, path = csvWriter.fileName(), reason = csvWriter.errorString()] {
+            recordingFailed(path, reason);
+        },
+        Qt::QueuedConnection);
+}
+
+// The recording stops and the user learns why; the camera and the views go on. A recording the
+// user has stopped (or begun anew) meanwhile is left as it is.
+void MainWindow::recordingFailed(const QString& path, const QString& reason) {
+    if (csvWriter.hasFailed()) stopRecording();
+    showFileWriteError(this, *style, path, reason);
 }

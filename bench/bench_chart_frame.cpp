@@ -7,6 +7,10 @@
 // QwtPlotCurves stroke every sample. The side-by-side run also compares the two canvases pixel
 // by pixel: the reduced drawing must look like the full one.
 //
+// FeedSideBySide compares how the window hands the plot its points, frame by frame on growing
+// live series: copies of the newest stretch of each series (as it did until now) against curves
+// that read slices of the sample store in place (as it does now).
+//
 // Needs a display: run under xvfb-run. Without one it falls back to Qt's offscreen platform.
 #include <benchmark/benchmark.h>
 #include <qwt_plot.h>
@@ -23,10 +27,13 @@
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <ctime>
 #include <random>
 
+#include "ChartSamples.h"
 #include "CssValues.h"
 #include "DataPlot.h"
+#include "SensorSamples.h"
 #include "palette.h"
 
 namespace {
@@ -230,6 +237,14 @@ double percentDiffering(const QImage& a, const QImage& b) {
     return 100.0 * double(differing) / double(a.width() * a.height());
 }
 
+// CPU seconds of the calling thread: unlike the wall clock, not stretched by other work on a busy
+// machine. The frame is drawn on this thread.
+double threadCpuSeconds() {
+    timespec ts{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
+    return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
+}
+
 double secondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
@@ -289,6 +304,120 @@ void BM_SideBySide(benchmark::State& state) {
     state.counters["pixels_differing_pct"] = differing;
 }
 BENCHMARK(BM_SideBySide)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// ---- Feeding the chart: copies against slices of the store ------------------------------------
+
+// The live accelerometer series as both feeds see them, growing by one plot tick at a time:
+// plain vectors, as the window kept them until now, and the sample store.
+class LiveSeries {
+public:
+    LiveSeries() { append(kSamplesPerCurve); }
+
+    void append(int rows) {
+        for (int i = 0; i < rows; ++i, ++count) {
+            ImuRow row{};
+            row.imuTime = 100.0 + double(count) / kRateHz;
+            time.append(row.imuTime);
+            double* values[3] = {&row.accX, &row.accY, &row.accZ};
+            for (int a = 0; a < 3; ++a) {
+                *values[a] = accelerationAt(a, row.imuTime, rng);
+                axis[a].append(*values[a]);
+            }
+            store.appendImuRow(row);
+        }
+    }
+
+    QVector<double> time;
+    std::array<QVector<double>, 3> axis;
+    SensorSeries store;
+
+private:
+    std::int64_t count = 0;
+    std::mt19937 rng{20240611};
+};
+
+void setRanges(DataPlot& chart, double newest) {
+    const double v = 1.05 * recording().valueRange;
+    chart.setValRange(-v, v, false);
+    chart.setTimeRange(newest - kWindowSeconds, newest, false);
+}
+
+// The window until now: the newest stretch of every series copied and handed over.
+void feedCopies(DataPlot& chart, const LiveSeries& s) {
+    const int start = s.time.size() - kSamplesPerCurve;
+    const QVector<double> time = s.time.mid(start);
+    for (int a = 0; a < 3; ++a) {
+        chart.updateData(kAccCurves[a], time, s.axis[a].mid(start), false);
+    }
+    setRanges(chart, s.time.last());
+}
+
+// The window now: each curve reads a slice of the store.
+void feedSlices(DataPlot& chart, const LiveSeries& s) {
+    const SensorSeries& store = s.store;
+    const RowNumber start = store.endRow() - kSamplesPerCurve;
+    const ColumnSlice time = store.imuTime.slice(start);
+    const SampleColumn* axes[3] = {&store.accX, &store.accY, &store.accZ};
+    for (int a = 0; a < 3; ++a) {
+        chart.setCurveData(kAccCurves[a], new ChartSamples(time, axes[a]->slice(start)), false);
+    }
+    setRanges(chart, store.imuTime.last());
+}
+
+QPixmap feedFrame(DataPlot& chart, const LiveSeries& s,
+                  void (*feed)(DataPlot&, const LiveSeries&)) {
+    feed(chart, s);
+    chart.replot();
+    return chart.grab();
+}
+
+// Both feeds in turn, each on a DataPlot of its own, on the same rows, timed in CPU time of the
+// drawing thread. The reported time is that of the slices; the counters hold both mean frame
+// times, their ratio, and the largest share of canvas pixels that differ between the two
+// pictures of one frame.
+void BM_FeedSideBySide(benchmark::State& state) {
+    LiveSeries series;
+    DataPlot copies, slices;
+    for (DataPlot* chart : {&copies, &slices}) {
+        chart->resize(kChartWidth, kChartHeight);
+        chart->show();
+    }
+    feedFrame(copies, series, feedCopies);
+    feedFrame(slices, series, feedSlices);
+    QApplication::processEvents();
+    double copiesTotal = 0.0, slicesTotal = 0.0, differing = 0.0;
+    int frames = 0;
+    // Whichever frame is drawn second costs a few per cent more: the order changes every frame.
+    const auto timedFrame = [&series](DataPlot& chart, auto feed, double& total) {
+        const double start = threadCpuSeconds();
+        QPixmap frame = feedFrame(chart, series, feed);
+        total += threadCpuSeconds() - start;
+        return frame;
+    };
+    for (auto _ : state) {
+        series.append(kSamplesPerTick);
+        const double slicesBefore = slicesTotal;
+        QPixmap copied, sliced;
+        if (frames % 2 == 0) {
+            copied = timedFrame(copies, feedCopies, copiesTotal);
+            sliced = timedFrame(slices, feedSlices, slicesTotal);
+        } else {
+            sliced = timedFrame(slices, feedSlices, slicesTotal);
+            copied = timedFrame(copies, feedCopies, copiesTotal);
+        }
+        state.SetIterationTime(slicesTotal - slicesBefore);
+        if (frames++ % 50 == 0) {
+            differing = std::max(differing, percentDiffering(canvasPart(copied, copies),
+                                                             canvasPart(sliced, slices)));
+        }
+    }
+    const auto n = double(state.iterations());
+    state.counters["copies_cpu_ms"] = 1e3 * copiesTotal / n;
+    state.counters["slices_cpu_ms"] = 1e3 * slicesTotal / n;
+    state.counters["slices_vs_copies"] = slicesTotal / copiesTotal;
+    state.counters["pixels_differing_pct"] = differing;
+}
+BENCHMARK(BM_FeedSideBySide)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

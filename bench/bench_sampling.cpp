@@ -1,7 +1,8 @@
 // The live data path, from the simulated camera to the sample series and the chart:
 //
-//   MemoryPerSampledHour     A simulated hour at 400 Hz on a free-running virtual clock: resident
-//                            bytes added, capacity of the series, peak resident size.
+//   MemoryOverADay           24 simulated hours at 400 Hz on a free-running virtual clock; each
+//                            virtual hour prints the bytes held by the series and the process's
+//                            resident size. Both must be flat after the first hour.
 //   SamplingThreadCpu        CPU time of the window's camera session's sampling thread
 //                            (getSensorsData + SampleIngest on a thread of its own), 400 Hz,
 //                            real time. Target: under 2 % of one core.
@@ -164,7 +165,8 @@ class SamplingSession {
 public:
     explicit SamplingSession(const bw::sim::DeviceConfig& camera)
         : opened(session.open({static_cast<std::uint32_t>(camera.cameraId), camera.serial,
-                               static_cast<std::uint32_t>(camera.model), QString()}) == bw::SUCCESS) {}
+                               static_cast<std::uint32_t>(camera.model), QString()}) ==
+                 bw::SUCCESS) {}
 
     bool isOpen() const { return opened; }
     const SensorSeries& series() const { return session.series(); }
@@ -179,20 +181,24 @@ public:
         return cpu;
     }
 
-    // Samples until the series span `seconds` of camera time; polls rather than spins so that
-    // the sampling thread has the core.
-    void sampleUntilSpan(double seconds) {
+    // Samples `hours` of camera time, calling `everyHour` with the series locked after each
+    // sampled hour; polls rather than spins so that the sampling thread has the core.
+    void sampleHours(int hours, const std::function<void(int, const SensorSeries&)>& everyHour) {
         session.start();
-        while (spannedSeconds() < seconds)
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        for (int hour = 1; hour <= hours;) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            if (sampledSeconds() < 3600.0 * hour) continue;
+            std::lock_guard<std::mutex> lock(session.seriesMutex());
+            everyHour(hour++, session.series());
+        }
         session.close();
     }
 
 private:
-    double spannedSeconds() {
-        std::lock_guard<std::mutex> lock(session.seriesMutex());
-        const QVector<double>& time = session.series().imuTime;
-        return time.size() < 2 ? 0.0 : time.last() - time.first();
+    double sampledSeconds() const {
+        const SensorLevels& levels = session.levels();
+        const std::uint64_t first = levels.firstImuTime;
+        return first == 0 ? 0.0 : levels.currentTime - static_cast<double>(first) / 1e9;
     }
 
     static double samplingThreadCpu() {
@@ -207,19 +213,20 @@ private:
     bool opened;
 };
 
-// Intervals of a time series against a nominal period.
+// Intervals of a time series against a nominal period. The series keep only their newest rows:
+// the intervals are those of the kept rows, the row count that of all rows appended.
 struct Gaps {
-    int rows = 0;
+    double rows = 0;
     double widest = 0.0;    // longest interval, s
     int tooLong = 0;        // intervals of kGapFactor periods or more
     long long missing = 0;  // samples those intervals should have held
 };
 
-Gaps findGaps(const QVector<double>& time, double period) {
+Gaps findGaps(const SampleColumn& time, double period) {
     Gaps gaps;
-    gaps.rows = time.size();
-    for (int k = 1; k < time.size(); ++k) {
-        const double interval = time[k] - time[k - 1];
+    gaps.rows = static_cast<double>(time.endRow().value());
+    for (RowNumber k = time.firstRow() + 1; k < time.endRow(); ++k) {
+        const double interval = time.at(k) - time.at(k - 1);
         gaps.widest = std::max(gaps.widest, interval);
         if (interval >= kGapFactor * period) {
             ++gaps.tooLong;
@@ -229,12 +236,12 @@ Gaps findGaps(const QVector<double>& time, double period) {
     return gaps;
 }
 
-// ---- Memory per sampled hour --------------------------------------------------------------------
+// ---- Memory over a day -------------------------------------------------------------------------
 
-// One simulated hour as fast as the loop runs: the virtual clock moves whenever the reader waits.
-// Registered first so that it runs on a fresh heap: blocks freed by the benchmarks before it would
-// change where glibc places the growing series and add their fragmentation to the figure.
-void BM_MemoryPerSampledHour(benchmark::State& state) {
+// A simulated day as fast as the loop runs: the virtual clock moves whenever the reader waits.
+// Registered first so that it runs on a fresh heap.
+void BM_MemoryOverADay(benchmark::State& state) {
+    constexpr int kHours = 24;
     bw::sim::VirtualTimeScope virtualTime;
     bw::sim::Clock::setAutoAdvanceLimit(UINT64_MAX);
     const bw::sim::DeviceConfig config = oneCamera();
@@ -243,20 +250,35 @@ void BM_MemoryPerSampledHour(benchmark::State& state) {
     auto sampling = std::make_unique<SamplingSession>(config);
     if (!sampling->isOpen()) return state.SkipWithError("camera did not open");
     const double before = residentBytes();
-    for (auto _ : state) sampling->sampleUntilSpan(3600.0);
-    const double added = residentBytes() - before;
+    double afterFirstHour = 0.0, seriesAfterFirstHour = 0.0, largestSeries = 0.0;
+    const auto wallStart = SteadyClock::now();
+    for (auto _ : state) {
+        sampling->sampleHours(kHours, [&](int hour, const SensorSeries& series) {
+            const double resident = residentBytes();
+            const double seriesBytes = static_cast<double>(series.bytes());
+            std::printf(
+                "virtual hour %2d: series %6.2f MiB, resident %7.2f MiB, %lld rows, "
+                "%.0f s wall\n",
+                hour, seriesBytes / kMiB, resident / kMiB,
+                static_cast<long long>(series.endRow().value()), secondsSince(wallStart));
+            std::fflush(stdout);
+            if (hour == 1) afterFirstHour = resident, seriesAfterFirstHour = seriesBytes;
+            largestSeries = std::max(largestSeries, seriesBytes);
+        });
+    }
+    const double resident = residentBytes();
     const SensorSeries& s = sampling->series();
     const Gaps gaps = findGaps(s.imuTime, 1.0 / kNominalRateHz);
     state.counters["rows"] = gaps.rows;
-    state.counters["missing"] = static_cast<double>(gaps.missing);
-    state.counters["rss_added_MiB"] = added / kMiB;
-    state.counters["series_size_MiB"] = s.valueBytes() / kMiB;
-    state.counters["series_capacity_MiB"] = s.capacityBytes() / kMiB;
-    state.counters["bytes_per_row"] = added / std::max(1, gaps.rows);
+    state.counters["missing_in_kept_rows"] = static_cast<double>(gaps.missing);
+    state.counters["rss_added_first_hour_MiB"] = (afterFirstHour - before) / kMiB;
+    state.counters["rss_added_after_first_hour_MiB"] = (resident - afterFirstHour) / kMiB;
+    state.counters["series_first_hour_MiB"] = seriesAfterFirstHour / kMiB;
+    state.counters["series_largest_MiB"] = largestSeries / kMiB;
     state.counters["peak_rss_MiB"] = peakResidentBytes() / kMiB;
     if (!peakReset) state.SetLabel("peak is the whole run's: clear_refs not writable");
 }
-BENCHMARK(BM_MemoryPerSampledHour)->Iterations(1)->Unit(benchmark::kSecond);
+BENCHMARK(BM_MemoryOverADay)->Iterations(1)->Unit(benchmark::kSecond);
 
 // ---- Sampling thread CPU at 400 Hz --------------------------------------------------------------
 
@@ -271,7 +293,7 @@ void BM_SamplingThreadCpu(benchmark::State& state) {
     for (auto _ : state) cpu = sampling.sampleFor(seconds);
     const Gaps gaps = findGaps(sampling.series().imuTime, 1.0 / kNominalRateHz);
     state.counters["cpu_pct_of_core"] = 100.0 * cpu / seconds;
-    state.counters["cpu_us_per_row"] = 1e6 * cpu / std::max(1, gaps.rows);
+    state.counters["cpu_us_per_row"] = 1e6 * cpu / std::max(1.0, gaps.rows);
     state.counters["rows_per_s"] = gaps.rows / seconds;
     state.counters["missing"] = static_cast<double>(gaps.missing);
 }
@@ -409,9 +431,9 @@ void BM_TenMinutesSixtySecondChart(benchmark::State& state) {
     double sampled = 0.0;
     {
         std::lock_guard<std::mutex> lock(window->sampleMutex());
-        const QVector<double>& time = window->sampleSeries().imuTime;
+        const SampleColumn& time = window->sampleSeries().imuTime;
         gaps = findGaps(time, 1.0 / kNominalRateHz);
-        sampled = time.size() < 2 ? 0.0 : time.last() - time.first();
+        sampled = sampledSeconds(*window);
     }
     const int periodMs = window->chartPeriodMs();
     window.reset();

@@ -8,10 +8,12 @@
 #include <QPaintEngine>
 #include <QPainter>
 #include <QPen>
+#include <algorithm>
 #include <cmath>
 
 #include "FilledStroke.h"
 #include "PolylineChunks.h"
+#include "SampleRuns.h"
 
 namespace {
 
@@ -119,13 +121,22 @@ bool DataCurve::mapToPixels(const QwtScaleMap& xMap, const QwtScaleMap& yMap, co
         allInside = allInside && p.x() > inside.left() && p.x() < inside.right() &&
                     p.y() > inside.top() && p.y() < inside.bottom();
     };
-    // Curves fed by DataPlot hold two plain arrays: reading them directly spares a virtual call
-    // per sample.
+    // Curves fed by DataPlot hold plain arrays, whole or in runs: reading them directly spares
+    // a virtual call per sample.
     if (const auto* arrays = dynamic_cast<const QwtPointArrayData*>(data())) {
         const double* xs = arrays->xData().constData();
         const double* ys = arrays->yData().constData();
         for (int i = from; i <= to; ++i) {
             add(toPixel(xMap, yMap, xs[i], ys[i]));
+        }
+    } else if (const auto* runs = dynamic_cast<const SampleRuns*>(data())) {
+        for (auto i = static_cast<std::size_t>(from); i <= static_cast<std::size_t>(to);) {
+            const SampleRuns::Run run = runs->runFrom(i);
+            const std::size_t n = std::min(run.count, static_cast<std::size_t>(to) + 1 - i);
+            for (std::size_t k = 0; k < n; ++k) {
+                add(toPixel(xMap, yMap, run.x[k], run.y[k]));
+            }
+            i += n;
         }
     } else {
         for (int i = from; i <= to; ++i) {

@@ -189,6 +189,17 @@ void DataPlot::updateData(DataType type, QVector<double> x, QVector<double> y, b
     }
 }
 
+void DataPlot::setCurveData(DataType type, QwtSeriesData<QPointF>* samples, bool replot) {
+    if (type < 0 || type >= curveCount) {
+        delete samples;
+        return;
+    }
+    curves[static_cast<size_t>(type)]->setData(samples);
+    if (replot) {
+        this->replot();
+    }
+}
+
 void DataPlot::setValRange(double min, double max, bool replot) {
     setFixedScale(yLeft, min, max, replot);
 }

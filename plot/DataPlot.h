@@ -1,6 +1,7 @@
 #pragma once
 
 #include <qwt_plot.h>
+#include <qwt_series_data.h>
 #include <qwt_text.h>
 
 #include <QVector>
@@ -59,6 +60,9 @@ public:
     // Replaces the samples of one curve by the pairs (x[i], y[i]): x is time in seconds. Vectors
     // of different lengths are cut to the shorter one.
     void updateData(DataType type, QVector<double> x, QVector<double> y, bool replot);
+    // Replaces the samples of one curve by `samples` (x is time in seconds), which the curve
+    // owns from now on and reads whenever it is drawn.
+    void setCurveData(DataType type, QwtSeriesData<QPointF>* samples, bool replot);
 
     // Fixed value-axis range, ticks chosen automatically.
     void setValRange(double min, double max, bool replot);
@@ -80,4 +84,3 @@ private:
     QwtText yTitle;
     QwtText xTitle;
 };
-

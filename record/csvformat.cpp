@@ -53,8 +53,8 @@ void appendValues(std::string& line, std::initializer_list<double> values) {
     }
 }
 
-void appendIndex(std::string& line, int index) {
-    char buffer[16];
+void appendIndex(std::string& line, std::int64_t index) {
+    char buffer[24];
     const auto result = std::to_chars(buffer, buffer + sizeof(buffer), index);
     line.append(buffer, result.ptr);
     line.push_back(',');

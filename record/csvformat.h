@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <cstdint>
 #include <string>
 
 #include "recoptions.h"
@@ -10,7 +11,7 @@
 // except tempImu and tempBarometer, which come from the camera's current sensor record at the
 // moment the row is written.
 struct CsvRow {
-    int index = 0;                                        // row index in the sample series
+    std::int64_t index = 0;                               // row number in the sample series
     double imuTime = 0.0, magTime = 0.0, baroTime = 0.0;  // seconds
     double accX = 0.0, accY = 0.0, accZ = 0.0;
     double gyroX = 0.0, gyroY = 0.0, gyroZ = 0.0;
@@ -34,4 +35,3 @@ QString csvHeader(const RecOptions& options);
 // Appends the row's line, "\n" included: the index, then the chosen groups' values in the
 // header's order, each in fixed notation with 9 decimals and followed by a comma.
 void appendCsvRow(std::string& line, const RecOptions& options, const CsvRow& row);
-

@@ -11,6 +11,7 @@
 # figures: other work on a shared machine slows the viewer's threads down and shows up in them.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+source tools/headless-viewer.sh
 
 warmup=${1:-60}
 measured=${2:-30}
@@ -21,29 +22,8 @@ if [[ ! -x "$viewer" ]]; then
     exit 2
 fi
 
-xvfb-run -a -s "-screen 0 1920x1080x24" "$viewer" >/dev/null 2>&1 &
-runner=$!
-pid=
-stop_viewer() {
-    [[ -n $pid ]] && kill "$pid" 2>/dev/null
-    wait "$runner" 2>/dev/null || true
-}
-trap stop_viewer EXIT
-
-# xvfb-run starts the viewer as its own child once the server is up. Its short-lived subshells
-# carry the viewer's path in their command line too, so the child is known by its executable.
-viewer_exe=$(realpath "$viewer")
-for _ in $(seq 100); do
-    for child in $(pgrep -P "$runner"); do
-        [[ $(readlink "/proc/$child/exe" 2>/dev/null) == "$viewer_exe" ]] && pid=$child
-    done
-    [[ -n $pid ]] && break
-    sleep 0.1
-done
-if [[ -z $pid ]]; then
-    echo "measure-viewer-cpu: the viewer did not start" >&2
-    exit 1
-fi
+start_headless_viewer "$viewer"
+pid=$viewer_pid
 
 # utime + stime in clock ticks: fields 14 and 15 of a stat line, 12 and 13 after the name,
 # which may hold blanks and ends at the last ')'.

@@ -1,27 +1,25 @@
 #include "ChartSpan.h"
 
+#include <algorithm>
+
 namespace chart {
 
-int imuStartIndex(int size, int timeRangeSeconds, int rate) {
-    const int n = static_cast<int>(static_cast<double>(timeRangeSeconds * rate) * 1.3);
-    return n > size ? 0 : size - n;
+RowNumber imuStartRow(RowNumber first, RowNumber end, int timeRangeSeconds, int rate) {
+    const auto n = static_cast<std::int64_t>(static_cast<double>(timeRangeSeconds * rate) * 1.3);
+    return std::max(first, end - n);
 }
 
-int eventStartIndex(int size, int timeRangeSeconds, int rate) {
-    const int start = size - timeRangeSeconds * rate;
-    return start < 0 ? 0 : start;
+RowNumber eventStartRow(RowNumber first, RowNumber end, int timeRangeSeconds, int rate) {
+    return std::max(first, end - std::int64_t{timeRangeSeconds} * rate);
 }
 
-int refreshPeriodMs(int count) {
+int refreshPeriodMs(std::int64_t count) {
     if (count <= 12499) return 25;
-    if (count <= 249999) return count / 500;
+    if (count <= 249999) return static_cast<int>(count / 500);
     return 500;
 }
 
-TimeAxis timeAxisFor(const QVector<double>& time, int timeRangeSeconds) {
-    if (time.isEmpty()) return {};
-    const double first = time.first();
-    const double last = time.last();
+TimeAxis timeAxisFor(double first, double last, int timeRangeSeconds) {
     if (last - first < timeRangeSeconds) return {first, first + timeRangeSeconds};
     return {last - timeRangeSeconds, last};
 }

@@ -69,12 +69,10 @@ SampleIngest::Outcome SampleIngest::ingest(const bw::SensorsData& record) {
     }
     if (t == c.previousImu) return Outcome::Repeated;
 
+    // A new timestamp differs from the previous one: the interval is never zero.
     const double interval = static_cast<double>(t - c.previousImu) / 1e9;
-    c.imuRateValid = interval != 0.0;
-    if (c.imuRateValid) {
-        c.previousImu = t;
-        c.imuRate = 1.0 / interval;
-    }
+    c.imuRate = 1.0 / interval;
+    c.previousImu = t;
     std::uint64_t b = 0, m = 0;
     measureBarometer(record, b);
     measureMagnetometer(record, m);
@@ -189,34 +187,17 @@ void SampleIngest::append(const Row& r, std::uint64_t t, std::uint64_t b, std::u
     const SampleClock& c = sampleClock;
     std::lock_guard<std::mutex> lock(dataMutex);
     SensorSeries& s = series;
-    s.accX.append(r.ax), s.accY.append(r.ay), s.accZ.append(r.az);
-    s.gyroX.append(r.gx), s.gyroY.append(r.gy), s.gyroZ.append(r.gz);
-    s.magX.append(r.ux), s.magY.append(r.uy), s.magZ.append(r.uz);
-    s.orientX.append(r.ox), s.orientY.append(r.oy), s.orientZ.append(r.oz);
-    s.pressure.append(r.pressure), s.altitude.append(r.altitude);
-    s.movingState.append(r.movingState);
-    s.tempLeft.append(r.tempLeft), s.tempRight.append(r.tempRight);
-    s.imuTime.append(r.imuTime), s.magTime.append(r.magTime), s.baroTime.append(r.baroTime);
-    if (c.imuRateValid) s.imuRate.append(c.imuRate);
+    s.appendImuRow({r.ax,       r.ay,       r.az,          r.gx,       r.gy,        r.gz,
+                    r.ux,       r.uy,       r.uz,          r.ox,       r.oy,        r.oz,
+                    r.pressure, r.altitude, r.movingState, r.tempLeft, r.tempRight, r.imuTime,
+                    r.magTime,  r.baroTime, c.imuRate});
     // A camera whose onboard sensors fail, or that has no barometer to time its temperatures,
     // gets them at the IMU rate, in series of their own.
-    if (!c.onboardTemperaturesRead || !record.barometer.is_available) {
-        s.tempFallbackTime.append(r.imuTime);
-        s.tempFallbackLeft.append(r.tempLeft);
-        s.tempFallbackRight.append(r.tempRight);
-    }
-    if (b != 0 && c.newBaro) {
-        s.baroRate.append(c.baroRate);
-        s.baroSamplePressure.append(r.pressure);
-        s.baroSampleTime.append(r.baroTime);
-        s.tempSampleLeft.append(r.tempLeft);
-        s.tempSampleRight.append(r.tempRight);
-    }
-    if (m != 0 && c.newMag) {
-        s.magRate.append(c.magRate);
-        s.magSampleX.append(r.ux), s.magSampleY.append(r.uy), s.magSampleZ.append(r.uz);
-        s.magSampleTime.append(r.magTime);
-    }
+    if (!c.onboardTemperaturesRead || !record.barometer.is_available)
+        s.appendFallbackTemperatures(r.imuTime, r.tempLeft, r.tempRight);
+    if (b != 0 && c.newBaro)
+        s.appendBarometerSample(c.baroRate, r.pressure, r.baroTime, r.tempLeft, r.tempRight);
+    if (m != 0 && c.newMag) s.appendMagnetometerSample(c.magRate, r.ux, r.uy, r.uz, r.magTime);
     recordIfDue(t, record);
 }
 
@@ -224,7 +205,7 @@ void SampleIngest::recordIfDue(std::uint64_t t, const bw::SensorsData& record) {
     if (recorder == nullptr || !recorder->isRecording()) return;
     const double spacing = minimumRowSpacing(recorder->rowsPerSecond(), kImuNominalRate);
     if ((static_cast<double>(t) - sampleClock.lastRecordedNs) / 1e9 > spacing) {
-        recorder->saveRow(series.imuTime.size() - 1, record);
+        recorder->saveRow(series.endRow() - 1, record);
         sampleClock.lastRecordedNs = static_cast<double>(t);
     }
 }

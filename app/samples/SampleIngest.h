@@ -16,7 +16,7 @@ public:
     virtual ~RowRecorder() = default;
     virtual bool isRecording() const = 0;
     virtual double rowsPerSecond() const = 0;
-    virtual void saveRow(int row, const bw::SensorsData& latest) = 0;
+    virtual void saveRow(RowNumber row, const bw::SensorsData& latest) = 0;
 };
 
 // Smallest spacing in seconds between two recorded rows for f rows per second out of a stream
@@ -28,7 +28,7 @@ struct SampleClock {
     std::uint64_t previousImu = 0, previousBaro = 0, previousMag = 0;
     bool firstImu = true, firstBaro = true, firstMag = true;
     double imuRate = 0.0, baroRate = 0.0, magRate = 0.0;
-    bool imuRateValid = false, newBaro = false, newMag = false;
+    bool newBaro = false, newMag = false;
     double lastRecordedNs = 0.0;
     bool onboardTemperaturesRead = false;
 };

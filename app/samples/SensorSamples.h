@@ -3,36 +3,69 @@
 // reads without the lock.
 #pragma once
 
-#include <QVector>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 
+#include "SampleColumn.h"
+
+// The values of one IMU-rate row.
+struct ImuRow {
+    double accX, accY, accZ;
+    double gyroX, gyroY, gyroZ;
+    double magX, magY, magZ;
+    double orientX, orientY, orientZ;
+    double pressure, altitude, movingState;
+    double tempLeft, tempRight;
+    double imuTime, magTime, baroTime;
+    double imuRate;
+};
+
 // Guarded by the window's dataMutex.
+//
+// The series keep the newest rows only. Each group of series that is appended together (the
+// IMU rows, the IMU-timed temperatures, the barometer samples, the magnetometer samples) keeps
+// at least kKeptSeconds of its own time base, which covers the chart's longest window with its
+// margin; but no series ever holds more than its share of kBudgetBytes, so at high rates a
+// group keeps what fits. Rows leave a chunk at a time and keep their numbers meanwhile.
 struct SensorSeries {
+    static constexpr double kKeptSeconds = 90.0;
+    static constexpr std::size_t kBudgetBytes = std::size_t{64} << 20;
+
     // One value per new IMU sample, appended in this order.
-    QVector<double> accX, accY, accZ;
-    QVector<double> gyroX, gyroY, gyroZ;
-    QVector<double> magX, magY, magZ;
-    QVector<double> orientX, orientY, orientZ;
-    QVector<double> pressure, altitude, movingState;
-    QVector<double> tempLeft, tempRight;
-    QVector<double> imuTime, magTime, baroTime;
+    SampleColumn accX, accY, accZ;
+    SampleColumn gyroX, gyroY, gyroZ;
+    SampleColumn magX, magY, magZ;
+    SampleColumn orientX, orientY, orientZ;
+    SampleColumn pressure, altitude, movingState;
+    SampleColumn tempLeft, tempRight;
+    SampleColumn imuTime, magTime, baroTime;
+    // The measured rate with each IMU row: a new sample has a new timestamp, so there always is
+    // one.
+    SampleColumn imuRate;
 
     // Appended on events only.
-    QVector<double> imuRate;
     // Temperatures at the IMU rate, for cameras without barometer samples to time them.
-    QVector<double> tempFallbackTime, tempFallbackLeft, tempFallbackRight;
+    SampleColumn tempFallbackTime, tempFallbackLeft, tempFallbackRight;
     // Temperatures with each barometer sample (baroSampleTime).
-    QVector<double> tempSampleLeft, tempSampleRight;
-    QVector<double> baroRate, baroSamplePressure, baroSampleTime;
-    QVector<double> magRate, magSampleX, magSampleY, magSampleZ, magSampleTime;
+    SampleColumn tempSampleLeft, tempSampleRight;
+    SampleColumn baroRate, baroSamplePressure, baroSampleTime;
+    SampleColumn magRate, magSampleX, magSampleY, magSampleZ, magSampleTime;
+
+    void appendImuRow(const ImuRow& row);
+    void appendFallbackTemperatures(double time, double left, double right);
+    void appendBarometerSample(double rate, double pressure, double time, double tempLeft,
+                               double tempRight);
+    void appendMagnetometerSample(double rate, double x, double y, double z, double time);
 
     void clear();
-    void reserve(int count);
-    int rows() const { return imuTime.size(); }
-    // Bytes held by the values of every series, or by their reserved capacity.
-    double valueBytes() const;
-    double capacityBytes() const;
+    // One past the newest IMU row: the number of IMU rows appended since the last clear().
+    RowNumber endRow() const { return imuTime.endRow(); }
+    // Memory held by the values of every series.
+    std::size_t bytes() const;
+
+    // The most chunks one series holds: every series at its most stays within the budget.
+    static int maxChunksPerSeries();
 };
 
 // Written by the sampling thread without the lock and read by the GUI as plain values: a stale

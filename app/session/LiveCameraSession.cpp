@@ -72,10 +72,9 @@ void LiveCameraSession::close() {
     lost = false;
 }
 
-void LiveCameraSession::clearSeries(int rows) {
+void LiveCameraSession::clearSeries() {
     std::lock_guard<std::mutex> lock(seriesLock);
     sampleSeries.clear();
-    sampleSeries.reserve(rows);
 }
 
 void LiveCameraSession::setRecorder(RowRecorder* recorder_) { recorder = recorder_; }

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 #include <atomic>
 #include <bw/sensors.hpp>
 #include <cstdint>
@@ -15,8 +16,6 @@
 #include <memory>
 #include <mutex>
 #include <thread>
-
-#include <QString>
 
 #include "CameraModels.h"
 #include "SampleIngest.h"
@@ -69,8 +68,8 @@ public:
     const SensorSeries& series() const { return sampleSeries; }
     const SensorLevels& levels() const { return sampleLevels; }
     std::mutex& seriesMutex() { return seriesLock; }
-    // Empties the series and reserves room for `rows` rows. The running ranges stay.
-    void clearSeries(int rows);
+    // Empties the series. The running ranges stay.
+    void clearSeries();
     // For a camera without motion sensors the window keeps the time, from the image clock.
     void setCurrentTime(double seconds) { sampleLevels.currentTime = seconds; }
 

@@ -8,24 +8,15 @@
 
 namespace {
 
-SensorSeries oneRow() {
-    SensorSeries s;
-    s.accX = {9.81};
-    s.accY = {0.5};
-    s.accZ = {-0.25};
-    s.gyroX = {1.5};
-    s.gyroY = {-12.345};
-    s.gyroZ = {0.0};
-    s.magX = {21.0};
-    s.magY = {-3.0625};
-    s.magZ = {-42.5};
-    s.orientX = {-179.5};
-    s.orientY = {0.001};
-    s.orientZ = {45.0};
-    s.pressure = {1013.25};
-    s.tempLeft = {41.256};
-    s.tempRight = {7.0};
-    return s;
+ImuRow oneRow() {
+    ImuRow r{};
+    r.accX = 9.81, r.accY = 0.5, r.accZ = -0.25;
+    r.gyroX = 1.5, r.gyroY = -12.345, r.gyroZ = 0.0;
+    r.magX = 21.0, r.magY = -3.0625, r.magZ = -42.5;
+    r.orientX = -179.5, r.orientY = 0.001, r.orientZ = 45.0;
+    r.pressure = 1013.25;
+    r.tempLeft = 41.256, r.tempRight = 7.0;
+    return r;
 }
 
 }  // namespace
@@ -73,14 +64,22 @@ private slots:
         levels.imuEffectiveRate = 400.4;
         levels.magEffectiveRate = 49.7;
         levels.baroEffectiveRate = 25.2;
-        const SensorReadout r = readoutFor(*sensorNamed(sensor), oneRow(), levels);
+        SensorSeries series;
+        ImuRow older{};
+        older.accX = older.gyroX = older.magX = older.orientX = older.pressure = older.tempLeft =
+            1.0;
+        series.appendImuRow(older);
+        series.appendImuRow(oneRow());
+        const SensorReadout r = readoutFor(*sensorNamed(sensor), series, levels);
         QCOMPARE(QStringList({r.fields[0], r.fields[1], r.fields[2], r.rate}).join('|'), texts);
     }
 
     void narrowValuesArePaddedToTheFieldWidth() {
-        SensorSeries s = oneRow();
-        s.accX = {0.5};
-        s.pressure = {5.5};
+        SensorSeries s;
+        ImuRow row = oneRow();
+        row.accX = 0.5;
+        row.pressure = 5.5;
+        s.appendImuRow(row);
         SensorLevels levels;
         QCOMPARE(readoutFor(Sensor::ACCELEROMETER, s, levels).fields[0], QString("X 0.500 m/s²"));
         QCOMPARE(readoutFor(Sensor::BAROMETER, s, levels).fields[0],
@@ -90,19 +89,27 @@ private slots:
     // ---- chart ----
 
     void imuWindowCarriesThirtyPercentMore_data() {
-        QTest::addColumn<int>("size");
+        QTest::addColumn<qint64>("first");
+        QTest::addColumn<qint64>("end");
         QTest::addColumn<int>("seconds");
-        QTest::addColumn<int>("start");
-        QTest::newRow("5 s of a long series") << 100000 << 5 << 100000 - 2600;
-        QTest::newRow("60 s of a long series") << 100000 << 60 << 100000 - 31200;
-        QTest::newRow("shorter than the window") << 1000 << 5 << 0;
-        QTest::newRow("empty") << 0 << 10 << 0;
+        QTest::addColumn<qint64>("start");
+        QTest::newRow("5 s of a long series") << 0ll << 100000ll << 5 << 100000ll - 2600;
+        QTest::newRow("60 s of a long series") << 0ll << 100000ll << 60 << 100000ll - 31200;
+        QTest::newRow("shorter than the window") << 0ll << 1000ll << 5 << 0ll;
+        QTest::newRow("empty") << 0ll << 0ll << 10 << 0ll;
+        // Rows beyond the 32-bit range, the oldest of them gone: the window is counted back
+        // from the newest row and never reaches before the oldest kept one.
+        QTest::newRow("after days")
+            << 4'000'000'000ll << 4'000'040'000ll << 60 << 4'000'040'000ll - 31200;
+        QTest::newRow("fewer kept than the window")
+            << 4'000'020'000ll << 4'000'040'000ll << 60 << 4'000'020'000ll;
     }
     void imuWindowCarriesThirtyPercentMore() {
-        QFETCH(int, size);
+        QFETCH(qint64, first);
+        QFETCH(qint64, end);
         QFETCH(int, seconds);
-        QFETCH(int, start);
-        QCOMPARE(chart::imuStartIndex(size, seconds, 400), start);
+        QFETCH(qint64, start);
+        QCOMPARE(chart::imuStartRow(RowNumber(first), RowNumber(end), seconds, 400).value(), start);
     }
 
     void redrawSlowsDownWithMorePoints_data() {

@@ -28,11 +28,13 @@ bw::SensorsData record(std::uint64_t t) {
 
 struct CountingRecorder : RowRecorder {
     double frequency = 400.0;
-    QVector<int> rows;
+    QVector<RowNumber> rows;
     bool isRecording() const override { return true; }
     double rowsPerSecond() const override { return frequency; }
-    void saveRow(int row, const bw::SensorsData&) override { rows.append(row); }
+    void saveRow(RowNumber row, const bw::SensorsData&) override { rows.append(row); }
 };
+
+int count(const SampleColumn& series) { return static_cast<int>(series.size()); }
 
 }  // namespace
 
@@ -55,16 +57,16 @@ private slots:
         SampleIngest ingest(series, *levels, mutex);
         QCOMPARE(ingest.ingest(record(0)), SampleIngest::Outcome::NoSample);
         QCOMPARE(ingest.ingest(record(kStart)), SampleIngest::Outcome::Origin);
-        QCOMPARE(series.rows(), 0);
+        QCOMPARE(series.endRow().value(), 0);
         QCOMPARE(levels->firstImuTime.load(), kStart);
         QCOMPARE(ingest.ingest(record(kStart + kImuPeriod)), SampleIngest::Outcome::Appended);
-        QCOMPARE(series.rows(), 1);
-        QCOMPARE(series.imuRate.size(), 1);
-        QVERIFY(std::fabs(series.imuRate[0] - 400.0) < 1e-6);
-        QCOMPARE(series.imuTime[0], static_cast<double>(kStart + kImuPeriod) / 1e9);
+        QCOMPARE(series.endRow().value(), 1);
+        QCOMPARE(count(series.imuRate), 1);
+        QVERIFY(std::fabs(series.imuRate.first() - 400.0) < 1e-6);
+        QCOMPARE(series.imuTime.first(), static_cast<double>(kStart + kImuPeriod) / 1e9);
         QCOMPARE(ingest.ingest(record(kStart + kImuPeriod)), SampleIngest::Outcome::Repeated);
-        QCOMPARE(series.rows(), 1);
-        QCOMPARE(series.imuRate.size(), 1);
+        QCOMPARE(series.endRow().value(), 1);
+        QCOMPARE(count(series.imuRate), 1);
     }
 
     void secondarySensorsMeasureTheirRateFromTheSecondSample() {
@@ -80,13 +82,13 @@ private slots:
             ingest.ingest(d);
         }
         // Barometer stamps: i/16 = 0, 1, 2 -> origin at the first, new samples at 16 and 32.
-        QCOMPARE(series.baroRate.size(), 2);
-        QVERIFY(std::fabs(series.baroRate[0] - 25.0) < 1e-6);
-        QCOMPARE(series.baroSamplePressure[0], 1013.25);
-        QCOMPARE(series.tempSampleLeft.size(), 2);
-        QCOMPARE(series.magRate.size(), 5);
-        QVERIFY(std::fabs(series.magRate[0] - 50.0) < 1e-6);
-        QCOMPARE(series.magSampleTime.size(), 5);
+        QCOMPARE(count(series.baroRate), 2);
+        QVERIFY(std::fabs(series.baroRate.first() - 25.0) < 1e-6);
+        QCOMPARE(series.baroSamplePressure.first(), 1013.25);
+        QCOMPARE(count(series.tempSampleLeft), 2);
+        QCOMPARE(count(series.magRate), 5);
+        QVERIFY(std::fabs(series.magRate.first() - 50.0) < 1e-6);
+        QCOMPARE(count(series.magSampleTime), 5);
     }
 
     void saturatedMagnetometerDoesNotWidenTheRange() {
@@ -166,7 +168,7 @@ private slots:
         ingest.ingest(d);
         QCOMPARE(series.tempLeft.last(), 38.0);
         QCOMPARE(series.tempRight.last(), 38.0);
-        QCOMPARE(series.tempFallbackTime.last(), series.imuTime[0]);
+        QCOMPARE(series.tempFallbackTime.last(), series.imuTime.first());
     }
 
     // Every temperature sample has its own time: the barometer's samples time one series, the
@@ -191,10 +193,10 @@ private slots:
             d.temperature.available[static_cast<int>(Location::ONBOARD_LEFT)] = onboard;
             ingest.ingest(d);
         }
-        QCOMPARE(series.tempSampleLeft.size(), series.baroSampleTime.size());
-        QCOMPARE(series.tempSampleRight.size(), series.baroSampleTime.size());
-        QCOMPARE(series.tempFallbackLeft.size(), series.tempFallbackTime.size());
-        QCOMPARE(series.tempFallbackRight.size(), series.tempFallbackTime.size());
+        QCOMPARE(count(series.tempSampleLeft), count(series.baroSampleTime));
+        QCOMPARE(count(series.tempSampleRight), count(series.baroSampleTime));
+        QCOMPARE(count(series.tempFallbackLeft), count(series.tempFallbackTime));
+        QCOMPARE(count(series.tempFallbackRight), count(series.tempFallbackTime));
         // Without barometer samples to time them, the temperatures follow the IMU.
         QCOMPARE(series.tempFallbackTime.isEmpty(), barometer && onboard);
         QCOMPARE(series.baroSampleTime.isEmpty(), !barometer);

@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QtTest>
+#include <optional>
 
 #include "DataPlot.h"
 #include "OGL3DWidget.h"
@@ -18,7 +19,7 @@ constexpr int kTimeoutMs = 10000;
 
 double sampledSeconds(MainWindow& w) {
     std::lock_guard<std::mutex> lock(w.sampleMutex());
-    const QVector<double>& t = w.sampleSeries().imuTime;
+    const SampleColumn& t = w.sampleSeries().imuTime;
     return t.size() < 2 ? 0.0 : t.last() - t.first();
 }
 
@@ -48,8 +49,8 @@ QVector<QPointF> pointsOf(MainWindow& w, DataPlot::DataType curve) {
     return points;
 }
 
-const QVector<double>& seriesNamed(const SensorSeries& s, const QString& name) {
-    static const QMap<QString, QVector<double> SensorSeries::*> byName{
+const SampleColumn& seriesNamed(const SensorSeries& s, const QString& name) {
+    static const QMap<QString, SampleColumn SensorSeries::*> byName{
         {"imuTime", &SensorSeries::imuTime},
         {"gyroY", &SensorSeries::gyroY},
         {"magSampleTime", &SensorSeries::magSampleTime},
@@ -64,21 +65,29 @@ const QVector<double>& seriesNamed(const SensorSeries& s, const QString& name) {
     return s.*byName.value(name);
 }
 
-// Empty when `points` are the pairs (time[k], value[k]) of one unbroken stretch of the two
+// The row of `time` that holds `t`, if any.
+std::optional<RowNumber> rowAt(const SampleColumn& time, double t) {
+    for (RowNumber row = time.firstRow(); row < time.endRow(); ++row)
+        if (time.at(row) == t) return row;
+    return std::nullopt;
+}
+
+// Empty when `points` are the pairs (time, value) of one unbroken stretch of rows of the two
 // series, the newest `window` of them as the series stood when the chart took them; otherwise
 // what is wrong.
-QString stretchMismatch(const QVector<QPointF>& points, const QVector<double>& time,
-                        const QVector<double>& value, int window) {
+QString stretchMismatch(const QVector<QPointF>& points, const SampleColumn& time,
+                        const SampleColumn& value, int window) {
     if (points.isEmpty()) return "no points";
-    const int k = time.indexOf(points.first().x());
-    if (k < 0) return "the first point's time is not in the time series";
-    if (k + points.size() > std::min(time.size(), value.size())) return "runs past the series";
+    const std::optional<RowNumber> k = rowAt(time, points.first().x());
+    if (!k) return "the first point's time is not in the time series";
+    if (*k + points.size() > std::min(time.endRow(), value.endRow())) return "runs past the series";
     for (int i = 0; i < points.size(); ++i) {
-        if (points[i] != QPointF(time[k + i], value[k + i]))
-            return QString("point %1 is not the series' element %2").arg(i).arg(k + i);
+        const RowNumber row = *k + i;
+        if (points[i] != QPointF(time.at(row), value.at(row)))
+            return QString("point %1 is not the series' row %2").arg(i).arg(row.value());
     }
-    // A stretch that does not start at the first element was cut to the window.
-    if (k > 0 && points.size() != window)
+    // A stretch that does not start at the first row was cut to the window.
+    if (*k > time.firstRow() && points.size() != window)
         return QString("%1 points where the window holds %2").arg(points.size()).arg(window);
     if (points.size() > window)
         return QString("%1 points, more than the window").arg(points.size());

@@ -58,9 +58,9 @@ private:
     int count_ = 0;
 };
 
-int sampledRows(MainWindow& w) {
+std::int64_t sampledRows(MainWindow& w) {
     std::lock_guard<std::mutex> lock(w.sampleMutex());
-    return w.sampleSeries().rows();
+    return w.sampleSeries().endRow().value();
 }
 
 int threadCount() { return QDir(QStringLiteral("/proc/self/task")).count() - 2; }

@@ -1,9 +1,12 @@
 // Recording from the main window: the record button, the rows written while the camera runs,
-// a camera pulled out mid-recording, and the free-space label.
+// a camera pulled out mid-recording, a disk that fills up, and the free-space label.
+#include <sys/resource.h>
+
 #include <QFile>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <csignal>
 
 #include "InputThreadModul.h"
 #include "MessageBoxWatcher.h"
@@ -46,6 +49,43 @@ Recording readStrictly(const QString& path) {
         r.imuTimes.append(fields[1].toDouble());
     }
     return r;
+}
+
+// While it exists, files this process writes can grow to `bytes` only: a write past the limit
+// fails as on a full disk (SIGXFSZ, which would end the process, is ignored). Needs no
+// privileges: a process may lower its own limit and raise it again up to the hard limit.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        getrlimit(RLIMIT_FSIZE, &saved);
+        previousHandler = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limited = saved;
+        limited.rlim_cur = bytes;
+        applied = setrlimit(RLIMIT_FSIZE, &limited) == 0;
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &saved);
+        std::signal(SIGXFSZ, previousHandler);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+    bool isApplied() const { return applied; }
+
+private:
+    rlimit saved{};
+    void (*previousHandler)(int) = SIG_DFL;
+    bool applied = false;
+};
+
+int lineCount(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? int(file.readAll().count('\n')) : 0;
+}
+
+std::int64_t sampledRows(MainWindow& w) {
+    std::lock_guard<std::mutex> lock(w.sampleMutex());
+    return w.sampleSeries().endRow().value();
 }
 
 }  // namespace
@@ -111,7 +151,8 @@ private slots:
         const QString path = w.recordingPath();
         QVERIFY(!QFileInfo(path).fileName().contains(' '));
         QVERIFY(path.endsWith("-ORYX_D-sn_31000017-ORYXSensorsData.csv"));
-        QTest::qWait(300);  // about thirty seconds of samples on the paced clock
+        // A few seconds of samples on the paced clock; how long that takes depends on the load.
+        QTRY_VERIFY_WITH_TIMEOUT(lineCount(path) > 300, kTimeoutMs);
         w.form()->toolButton_save->click();
         QCOMPARE(w.form()->toolButton_save->text(), QString("Record"));
         QVERIFY(w.form()->pushButton_rec_option->isEnabled());
@@ -145,6 +186,46 @@ private slots:
         for (int n = 1; n < r.indexes.size(); ++n) QCOMPARE(r.indexes[n], r.indexes[n - 1] + 1);
     }
 
+    // The disk fills up while a recording runs: the user is told which file and why, the button
+    // returns to "Record", the file keeps every row written before and ends on a whole row, and
+    // the camera goes on being sampled and shown.
+    void aFullDiskStopsTheRecordingAndTheViewerGoesOn() {
+        constexpr rlim_t kRoomForRows = 64 * 1024;
+        MessageBoxWatcher boxes;
+        MainWindow& w = sampling(400, recordings.path());
+        QVERIFY(w.isSampling());
+        FileSizeLimit fullDisk(kRoomForRows);
+        QVERIFY2(fullDisk.isApplied(), "the file size limit could not be set");
+        w.form()->toolButton_save->click();
+        const QString path = w.recordingPath();
+        QVERIFY(!path.isEmpty());
+
+        QTRY_VERIFY_WITH_TIMEOUT(!boxes.shown().isEmpty(), kTimeoutMs);
+        const ShownMessage box = boxes.shown().first();
+        QCOMPARE(box.title, QString("File error"));
+        QVERIFY2(box.text.contains(QDir::toNativeSeparators(path)) &&
+                     box.text.contains("File too large"),
+                 qPrintable(box.text));
+        QCOMPARE(box.clicked, QString("Ok"));
+        QCOMPARE(w.form()->toolButton_save->text(), QString("Record"));
+        QVERIFY(!w.form()->toolButton_save->isChecked());
+        QVERIFY(w.form()->pushButton_rec_option->isEnabled());
+
+        const Recording r = readStrictly(path);
+        QVERIFY2(r.error.isEmpty(), qPrintable(r.error));
+        QVERIFY(QFileInfo(path).size() <= static_cast<qint64>(kRoomForRows));
+        QVERIFY(r.indexes.size() > 100);
+        for (int n = 1; n < r.indexes.size(); ++n) QCOMPARE(r.indexes[n], r.indexes[n - 1] + 1);
+
+        // The camera is still sampled and shown.
+        QVERIFY(w.isSampling() && !w.hasNoCamera());
+        const std::int64_t rowsThen = sampledRows(w);
+        const QString shownThen = w.form()->lineEdit_value_0->text();
+        QTRY_VERIFY_WITH_TIMEOUT(sampledRows(w) > rowsThen + 400, kTimeoutMs);
+        QTRY_VERIFY_WITH_TIMEOUT(w.form()->lineEdit_value_0->text() != shownThen, kTimeoutMs);
+        QCOMPARE(boxes.shown().size(), 1);
+    }
+
     // Every column of a recording with every group holds what the window sampled at the row's
     // index, to the nine decimals written.
     void eachColumnHoldsItsSeries() {
@@ -154,13 +235,15 @@ private slots:
         const QString path = w.recordingPath();
         QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(path).size() > 20000, kTimeoutMs);
         w.form()->toolButton_save->click();
+        // The rows written must still be in the series when they are compared.
+        time->pause();
 
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QStringList lines = QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts);
         QStringList header = lines.first().split(',');
         for (QString& name : header) name = name.trimmed();  // "moving, " has its blank
-        const QMap<QString, QVector<double> SensorSeries::*> columns{
+        const QMap<QString, SampleColumn SensorSeries::*> columns{
             {"imu_Timestamp[sec]", &SensorSeries::imuTime},
             {"mag_Timestamp[sec]", &SensorSeries::magTime},
             {"baro_Timestamp[sec]", &SensorSeries::baroTime},
@@ -193,11 +276,12 @@ private slots:
         const SensorSeries& s = w.sampleSeries();
         for (int n = 1; n < lines.size(); ++n) {
             const QStringList fields = lines[n].split(',');
-            const int row = fields[0].toInt();
+            const RowNumber row(fields[0].toLongLong());
+            QVERIFY2(row >= s.imuTime.firstRow(), "the row has left the series");
             for (int c = 1; c < header.size(); ++c) {
                 const auto series = columns.value(header[c]);
                 if (series == nullptr) continue;
-                const QString want = QString::number((s.*series)[row], 'f', 9);
+                const QString want = QString::number((s.*series).at(row), 'f', 9);
                 QVERIFY2(fields[c] == want, qPrintable(QString("line %1, %2: %3, sampled %4")
                                                            .arg(n)
                                                            .arg(header[c], fields[c], want)));

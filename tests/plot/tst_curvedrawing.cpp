@@ -6,14 +6,17 @@
 
 #include <QtTest>
 #include <QtWidgets>
+#include <algorithm>
 #include <cmath>
 #include <random>
+#include <utility>
 
 #include "DataCurve.h"
 #include "DataPlot.h"
 #include "FilledStroke.h"
 #include "PlotImages.h"
 #include "PolylineChunks.h"
+#include "SampleRuns.h"
 #include "WidgetTestMain.h"
 
 namespace {
@@ -125,6 +128,27 @@ QImage drawItem(const QwtPlotCurve& curve, const std::function<void(QPainter&)>&
     curve.draw(&painter, xMap, yMap, QRectF(0, 0, 200, 130));
     return image;
 }
+
+// The samples of a series cut into runs at the given sample indexes, as a chunked store holds
+// them.
+class SeriesInRuns : public SampleRuns {
+public:
+    SeriesInRuns(Series series, QVector<int> cuts) : s(std::move(series)), runStarts(cuts) {
+        runStarts.prepend(0);
+        runStarts.append(s.t.size());
+    }
+    size_t size() const override { return size_t(s.t.size()); }
+    QPointF sample(size_t i) const override { return {s.t[int(i)], s.v[int(i)]}; }
+    QRectF boundingRect() const override { return qwtBoundingRect(*this); }
+    Run runFrom(size_t i) const override {
+        const int end = *std::upper_bound(runStarts.begin(), runStarts.end(), int(i));
+        return {s.t.constData() + i, s.v.constData() + i, size_t(end) - i};
+    }
+
+private:
+    Series s;
+    QVector<int> runStarts;
+};
 
 }  // namespace
 
@@ -245,6 +269,29 @@ private slots:
         const double share = differingShare(chart, reference);
         QVERIFY2(share <= kMaxDifferingShare,
                  qPrintable(QString("%1 % of pixels differ").arg(100 * share)));
+    }
+
+    // Samples that lie in runs (the sample store's chunks) are drawn as the same samples in one
+    // array are, whatever the runs' lengths.
+    void samplesInRunsDrawLikeOneArray_data() {
+        QTest::addColumn<QVector<int>>("cuts");
+        QTest::newRow("one run") << QVector<int>{};
+        QTest::newRow("chunks") << QVector<int>{1000, 2000, 3000};
+        QTest::newRow("runs of one sample") << QVector<int>{1, 2, 3, 1500, 1501, 3999};
+    }
+    void samplesInRunsDrawLikeOneArray() {
+        QFETCH(QVector<int>, cuts);
+        const Series series = imuLike(0.0, 10.0, 400.0, 6)[0];
+        DataCurve inRuns("runs"), inOneArray("array");
+        for (DataCurve* curve : {&inRuns, &inOneArray}) {
+            curve->setLine(QColor(255, 87, 87), 2.0);
+        }
+        inRuns.setData(new SeriesInRuns(series, cuts));
+        inOneArray.setSamples(series.t, series.v);
+        const auto plainPainter = [](QPainter&) {};
+        const QImage drawn = drawItem(inRuns, plainPainter);
+        QCOMPARE(drawn, drawItem(inOneArray, plainPainter));
+        QVERIFY(drawn != blankImage(drawn.size()));
     }
 
     // Where fills could not stand in for the stroke exactly, the chart's curve must draw just as a

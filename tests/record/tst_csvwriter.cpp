@@ -1,8 +1,11 @@
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <QProcess>
 #include <QtTest>
+#include <csignal>
 #include <cstdio>
+#include <cstdlib>
 
 #include "TempSettings.h"
 #include "csvwriter.h"
@@ -10,6 +13,9 @@
 namespace {
 
 const char kChildFlag[] = "--write-rows-until-killed";
+const char kLimitedChildFlag[] = "--write-rows-under-size-limit";
+
+using Outcome = CsvWriter::WriteOutcome;
 
 // Row i of the child's recording; the parent recomputes it to check what reached the file.
 CsvRow childRow(int i) {
@@ -48,12 +54,38 @@ int writeRowsUntilKilled(const char* path, const char* settingsFolder) {
         return 2;
     }
     for (int i = 0; i < 50'000'000; ++i) {
-        if (!writer.writeRow(childRow(i))) {
+        if (writer.writeRow(childRow(i)) != Outcome::WRITTEN) {
             return 3;
         }
         std::printf("%d\n", i);
         std::fflush(stdout);
     }
+    return 0;
+}
+
+// The child: files may grow to `limit` bytes only, and going past the limit fails the write
+// instead of ending the process. Writes rows until one fails, then reports how many went in and
+// why the next failed: "<rows>\n<reason>\n<outcome of one more row>".
+int writeRowsUnderSizeLimit(const char* path, const char* settingsFolder, const char* limit) {
+    TempSettings::usePath(QString::fromLocal8Bit(settingsFolder));
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit size{};
+    getrlimit(RLIMIT_FSIZE, &size);
+    size.rlim_cur = std::strtoull(limit, nullptr, 10);
+    if (setrlimit(RLIMIT_FSIZE, &size) != 0) {
+        return 4;
+    }
+    CsvWriter writer;
+    if (!writer.open(QString::fromLocal8Bit(path), allGroups())) {
+        return 2;
+    }
+    int rows = 0;
+    while (writer.writeRow(childRow(rows)) == Outcome::WRITTEN) {
+        ++rows;
+    }
+    const bool refusedAfter = writer.writeRow(childRow(rows + 1)) == Outcome::NOT_WRITTEN;
+    std::printf("%d\n%s\n%s\n", rows, qPrintable(writer.errorString()),
+                refusedAfter ? "refused" : "written");
     return 0;
 }
 
@@ -82,19 +114,19 @@ private slots:
         const QString path = dir.filePath("rows.csv");
         const RecOptions options = allGroups();
         CsvWriter writer;
-        QVERIFY(!writer.writeRow(childRow(0)));
+        QCOMPARE(writer.writeRow(childRow(0)), Outcome::NOT_WRITTEN);
         QVERIFY(writer.open(path, options));
         QVERIFY(writer.isOpen());
         QCOMPARE(writer.fileName(), path);
         QByteArray expected = csvHeader(options).toUtf8();
         for (int i = 10; i < 13; ++i) {
-            QVERIFY(writer.writeRow(childRow(i)));
+            QCOMPARE(writer.writeRow(childRow(i)), Outcome::WRITTEN);
             expected += QByteArray::fromStdString(expectedLine(options, i));
             QCOMPARE(readAll(path), expected);
         }
         writer.close();
         QVERIFY(!writer.isOpen());
-        QVERIFY(!writer.writeRow(childRow(0)));
+        QCOMPARE(writer.writeRow(childRow(0)), Outcome::NOT_WRITTEN);
         QCOMPARE(readAll(path), expected);
         RecOptions movement = allGroups();
         movement.accelerometer = movement.gyroscope = movement.magnetometer = movement.orientation =
@@ -105,7 +137,7 @@ private slots:
         row.index = 5;
         row.imuTime = 0.5;
         row.movingState = 1.0;
-        QVERIFY(writer.writeRow(row));
+        QCOMPARE(writer.writeRow(row), Outcome::WRITTEN);
         writer.close();
         QCOMPARE(readAll(path),
                  QByteArray("idx,imu_Timestamp[sec],moving, \n5,0.500000000,1.000000000,\n"));
@@ -135,7 +167,66 @@ private slots:
         QVERIFY(!writer.open(path, allGroups()));
         QVERIFY(!writer.isOpen());
         QVERIFY(!writer.errorString().isEmpty());
-        QVERIFY(!writer.writeRow(childRow(0)));
+        QCOMPARE(writer.writeRow(childRow(0)), Outcome::NOT_WRITTEN);
+    }
+
+    // A device that is always full: not even the header goes in, and the system says why.
+    void aFullDeviceFailsTheOpening() {
+        if (!QFileInfo::exists(QStringLiteral("/dev/full"))) {
+            QSKIP("this system has no /dev/full");
+        }
+        CsvWriter writer;
+        QVERIFY(!writer.open(QStringLiteral("/dev/full"), allGroups()));
+        QCOMPARE(writer.errorString(), QString("No space left on device"));
+        QCOMPARE(writer.writeRow(childRow(0)), Outcome::NOT_WRITTEN);
+    }
+
+    // The file may grow only to a limit that falls inside a row: the system takes the start of
+    // that row and refuses the rest. The row is cut off again, every row before it stays, the
+    // writer says why and refuses further rows.
+    void aRowTheFileTakesOnlyInPartIsCutOff() {
+        const RecOptions options = allGroups();
+        const QString path = dir.filePath(QStringLiteral("limited.csv"));
+        constexpr int kWholeRows = 40;
+        qint64 limit = csvHeader(options).toUtf8().size();
+        for (int i = 0; i < kWholeRows; ++i) {
+            limit += static_cast<qint64>(expectedLine(options, i).size());
+        }
+        limit += 7;  // the start of the next row fits, the rest does not
+
+        QProcess child;
+        child.start(QCoreApplication::applicationFilePath(),
+                    {kLimitedChildFlag, path, settings.path(), QString::number(limit)});
+        QVERIFY(child.waitForFinished(30000));
+        QCOMPARE(child.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(child.exitCode(), 0);
+        const QStringList report =
+            QString::fromLocal8Bit(child.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+        QCOMPARE(report, QStringList({QString::number(kWholeRows), "File too large", "refused"}));
+
+        QByteArray expected = csvHeader(options).toUtf8();
+        for (int i = 0; i < kWholeRows; ++i) {
+            expected += QByteArray::fromStdString(expectedLine(options, i));
+        }
+        QCOMPARE(readAll(path), expected);
+    }
+
+    // A deleted file takes writes without complaint, but nobody will read them: the writer
+    // notices and stops.
+    void aDeletedFileEndsTheWriting() {
+        const QString path = dir.filePath(QStringLiteral("deleted.csv"));
+        CsvWriter writer;
+        QVERIFY(writer.open(path, allGroups()));
+        QCOMPARE(writer.writeRow(childRow(0)), Outcome::WRITTEN);
+        QVERIFY(QFile::remove(path));
+        QCOMPARE(writer.writeRow(childRow(1)), Outcome::FAILED);
+        QVERIFY(writer.hasFailed());
+        QCOMPARE(writer.errorString(), QString("No such file or directory"));
+        QCOMPARE(writer.writeRow(childRow(2)), Outcome::NOT_WRITTEN);
+        // A new file starts afresh.
+        QVERIFY(writer.open(path, allGroups()));
+        QVERIFY(!writer.hasFailed());
+        QCOMPARE(writer.writeRow(childRow(3)), Outcome::WRITTEN);
     }
 
     void killedWriterLeavesOnlyCompleteRows_data() {
@@ -199,6 +290,9 @@ private slots:
 int main(int argc, char** argv) {
     if (argc == 4 && qstrcmp(argv[1], kChildFlag) == 0) {
         return writeRowsUntilKilled(argv[2], argv[3]);
+    }
+    if (argc == 5 && qstrcmp(argv[1], kLimitedChildFlag) == 0) {
+        return writeRowsUnderSizeLimit(argv[2], argv[3], argv[4]);
     }
     QCoreApplication app(argc, argv);
     TestCsvWriter test;

@@ -36,6 +36,9 @@ public:
         bw::sim::Clock::useRealTime();
     }
 
+    // Virtual time stops within a tick's worth: readers still reach the limit, no further.
+    void pause() { tick_.stop(); }
+
 private:
     QTimer tick_;
 };
