@@ -1,13 +1,16 @@
 // The main window as a user sees it on a simulated camera: the picture a screenshot takes of the
 // whole window, not the properties the code set. The orientation view's colours and frame, the
-// free-space label's text and the face the labels are drawn in.
+// free-space label's text, the record button's text in each of its states and the face the
+// labels are drawn in.
 #include <QOpenGLWidget>
 #include <QPainter>
 #include <QSurfaceFormat>
+#include <QTemporaryDir>
 #include <QtTest>
 #include <array>
 
 #include "ComposedWindow.h"
+#include "MessageBoxWatcher.h"
 #include "OGL3DWidget.h"
 #include "SimulatedCameras.h"
 #include "WidgetTestMain.h"
@@ -227,6 +230,57 @@ private slots:
             const bool reddish = ink.red() > 200 && ink.green() < 60 && ink.blue() < 60;
             QVERIFY2(reddish == red, qPrintable(seen));
         }
+    }
+
+    // The record button's text against its own background, where the button's border does not
+    // reach: idle, under the mouse, recording (checked), both, and disabled. WCAG AA asks 4.5:1
+    // of small text.
+    void recordButtonTextReads_data() {
+        QTest::addColumn<bool>("recording");
+        QTest::addColumn<bool>("hovered");
+        QTest::addColumn<bool>("disabled");
+        QTest::newRow("idle") << false << false << false;
+        QTest::newRow("under the mouse") << false << true << false;
+        QTest::newRow("recording") << true << false << false;
+        QTest::newRow("recording, under the mouse") << true << true << false;
+        QTest::newRow("disabled") << false << false << true;
+    }
+    void recordButtonTextReads() {
+        QFETCH(bool, recording);
+        QFETCH(bool, hovered);
+        QFETCH(bool, disabled);
+        QTemporaryDir folder;
+        PacedVirtualTime time({simulatedCamera(bw::MODEL::ORYX_D)});
+        MessageBoxWatcher boxes;
+        MainWindow w;
+        w.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&w));
+        QToolButton* button = w.form()->toolButton_save;
+        QTRY_VERIFY_WITH_TIMEOUT(w.isSampling(), kTimeoutMs);
+        // As the window does for a camera without motion sensors.
+        if (disabled) w.form()->frame_data_options->setEnabled(false);
+        if (recording) {
+            w.recordingOptions().saveFolder = folder.path();
+            button->click();
+            QVERIFY2(button->isChecked() && !w.recordingPath().isEmpty(), "not recording");
+        }
+        // Elsewhere, or onto the button; the pointer of the X server starts anywhere.
+        QTest::mouseMove(hovered ? static_cast<QWidget*>(button) : w.form()->label_sensor_type);
+        QTRY_COMPARE_WITH_TIMEOUT(button->underMouse(), hovered, kTimeoutMs);
+        for (const composed::Shot& shot : composed::grabBoth(&w)) {
+            // Inside the 2 px border and its rounded corners.
+            const QImage face = composed::region(shot.image, &w, button, 3);
+            const QColor background = composed::dominantColour(face);
+            const QColor ink = composed::inkColour(face, background);
+            const double contrast = composed::contrastRatio(ink, background);
+            QVERIFY2(contrast >= 4.5,
+                     qPrintable(QString("%1: \"%2\" in %3 on %4, contrast %5")
+                                    .arg(shot.how, button->text(), composed::describe(ink),
+                                         composed::describe(background))
+                                    .arg(contrast, 0, 'f', 2)));
+        }
+        if (recording) button->click();
+        QVERIFY(boxes.shown().isEmpty());
     }
 
     // The labels' sheets name NB Akademie families, which the project does not ship; they are
