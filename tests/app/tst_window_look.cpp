@@ -3,7 +3,6 @@
 // free-space label's text, the record button's text in each of its states and the face the
 // labels are drawn in.
 #include <QOpenGLWidget>
-#include <QPainter>
 #include <QSurfaceFormat>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -101,33 +100,6 @@ QColor edgeColour(const QImage& view, const char* edge) {
         if (c.red() > best.red()) best = c;
     }
     return best;
-}
-
-// The width of the ink of the text in `image`: the columns with pixels that differ clearly from
-// the background.
-int inkWidth(const QImage& image, const QColor& background) {
-    int left = image.width(), right = -1;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            if (composed::distance(image.pixelColor(x, y), background) > 60) {
-                left = std::min(left, x);
-                right = std::max(right, x);
-            }
-    return right - left + 1;
-}
-
-// `text` as `like` would draw it in `font`, in the same colours and at the same resolution.
-QImage reference(const QString& text, const QFont& font, const QWidget* like, const QColor& ink,
-                 const QColor& background) {
-    QImage image(like->size(), QImage::Format_RGB32);
-    image.setDotsPerMeterX(qRound(like->logicalDpiX() / 0.0254));
-    image.setDotsPerMeterY(qRound(like->logicalDpiY() / 0.0254));
-    image.fill(background);
-    QPainter painter(&image);
-    painter.setFont(font);
-    painter.setPen(ink);
-    painter.drawText(image.rect(), Qt::AlignLeft | Qt::AlignVCenter, text);
-    return image;
 }
 
 }  // namespace
@@ -303,9 +275,11 @@ private slots:
             const QImage image = composed::region(shot.image, &w, label);
             const QColor background = composed::dominantColour(image);
             const QColor ink = composed::inkColour(image, background);
-            const int drawn = inkWidth(image, background);
+            const int drawn = composed::inkSpan(image, background).width();
             const int expected =
-                inkWidth(reference(label->text(), roboto, label, ink, background), background);
+                composed::inkSpan(
+                    composed::textAlone(label->text(), roboto, label, ink, background), background)
+                    .width();
             QVERIFY2(std::abs(drawn - expected) <= 1,
                      qPrintable(QString("%1: \"%2\" %3 px wide, %4 px in Roboto Medium; the "
                                         "label's font resolves to %5 %6")
