@@ -16,6 +16,7 @@
 #include <optional>
 
 #include "DetectionThread.h"
+#include "ElidingLabel.h"
 #include "LiveCameraSession.h"
 #include "SampleIngest.h"
 #include "SensorSamples.h"
@@ -127,6 +128,7 @@ private:
     void initCharts();
     void selectSensor(Sensor sensor);
     void changeSensor(std::optional<Sensor> sensor);
+    void fitReadoutFields(Sensor sensor);
     void setValueAxis(const SensorInfo& info, double margin);
     void updateChartTimeSize();
     void feedChart(Sensor sensor, int imuStart);
@@ -156,17 +158,18 @@ private:
     QVector<LiveCameraSession::Camera> listedCameras;
     LiveCameraSession::Camera selected;
     QString selectedModelName;
-    QStringList recordings;            // given on the command line or dropped, newest first
-    QStringList refusedRecordings;     // not listed again
-    ReplayBar* replayBar = nullptr;    // shown while a recording is open
-    bw::Timestamp replayStartNs = 0;   // recorded time of the first frame
-    bool detecting = false;      // the camera list is being rebuilt
-    bool noCamera = true;        // searching for cameras
-    bool openingCamera = false;  // createLiveInput is running, possibly inside a message box
+    QStringList recordings;           // given on the command line or dropped, newest first
+    QStringList refusedRecordings;    // not listed again
+    ReplayBar* replayBar = nullptr;   // shown while a recording is open
+    bw::Timestamp replayStartNs = 0;  // recorded time of the first frame
+    bool detecting = false;           // the camera list is being rebuilt
+    bool noCamera = true;             // searching for cameras
+    bool openingCamera = false;       // createLiveInput is running, possibly inside a message box
     DetectionThread detectionThread;
     LiveCameraSession session{detectionThread.mutex()};
 
     std::optional<Sensor> shown;  // none until a sensor is chosen; drawn as the accelerometer
+    int readoutFieldFloor = 0;    // the form's minimum width of a read-out field
     int timeRange = 5;            // seconds shown by the chart
     QVector<double> plotTime, plotY0, plotY1, plotY2;  // what the last chart update handed over
     std::chrono::steady_clock::time_point lastDisplayUpdate;
@@ -178,7 +181,7 @@ private:
     CsvWriter csvWriter;
     QDir recordDir;
     RecOptions recOptions;
-    QLabel statusLabel;
+    ElidingLabel statusLabel;
     int sensorRatePercent = 100;  // copied into the state store when a camera opens
     int streamQuality = 7;        // likewise
 };
