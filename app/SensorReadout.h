@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include "SensorSamples.h"
 #include "SensorTable.h"
@@ -17,3 +18,7 @@ QString rateText(double nominalRate, double effectiveRate);
 // Texts for `sensor` from the last row of the series (the caller holds the data lock and has
 // checked that there is a row).
 SensorReadout readoutFor(Sensor sensor, const SensorSeries& series, const SensorLevels& levels);
+
+// The texts the fields of `sensor` show at both ends of its measuring range: the widest they
+// show.
+QStringList rangeEndTexts(Sensor sensor);

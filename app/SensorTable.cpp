@@ -15,10 +15,21 @@ constexpr int kBaroRate = 25;
 SensorValueAxis symmetric(Level largest) { return {largest, nullptr, nullptr}; }
 SensorValueAxis between(Level minimum, Level maximum) { return {nullptr, minimum, maximum}; }
 
+// Measuring ranges: the inertial chip's full scales (16 g, 2000 °/s), the magnetometer's
+// saturated reading, the Euler angles' span, the barometer's and the temperature sensors'
+// ranges.
+constexpr double kStandardGravity = 9.80665;
+constexpr ReadingRange kAccRange{-16.0 * kStandardGravity, 16.0 * kStandardGravity};
+constexpr ReadingRange kGyroRange{-2000.0, 2000.0};
+constexpr ReadingRange kMagRange{-2048.0, 2048.0};
+constexpr ReadingRange kOrientRange{-180.0, 180.0};
+constexpr ReadingRange kPressureRange{260.0, 1260.0};
+constexpr ReadingRange kTemperatureRange{-40.0, 125.0};
+
 // X, Y and Z in their colours, five characters wide with three decimals.
 SensorReadoutLook threeAxes(std::array<const char*, 3> formats, std::array<Series, 3> series,
-                            Rate rate) {
-    return {formats, series, {&Style::valueX, &Style::valueY, &Style::valueZ}, 5, 3, rate};
+                            Rate rate, ReadingRange range) {
+    return {formats, series, {&Style::valueX, &Style::valueY, &Style::valueZ}, 5, 3, rate, range};
 }
 
 const std::array<SensorInfo, 6> kSensors{{
@@ -32,7 +43,7 @@ const std::array<SensorInfo, 6> kSensors{{
       kImuRate},
      symmetric(&L::accRange),
      threeAxes({"X %1 m/s²", "Y %1 m/s²", "Z %1 m/s²"}, {&S::accX, &S::accY, &S::accZ},
-               &L::imuEffectiveRate)},
+               &L::imuEffectiveRate, kAccRange)},
     {Sensor::GYROSCOPE,
      {"Gyroscope", "Gyroscope @ ", "Gyroscope"},
      {DataPlot::GYROSCOPE,
@@ -43,7 +54,7 @@ const std::array<SensorInfo, 6> kSensors{{
       kImuRate},
      symmetric(&L::gyroRange),
      threeAxes({"X %1 °/s", "Y %1 °/s", "Z %1 °/s"}, {&S::gyroX, &S::gyroY, &S::gyroZ},
-               &L::imuEffectiveRate)},
+               &L::imuEffectiveRate, kGyroRange)},
     // The chart draws the magnetometer's own samples, the readout the newest as repeated at the
     // IMU rate.
     {Sensor::MAGNETOMETER,
@@ -56,7 +67,7 @@ const std::array<SensorInfo, 6> kSensors{{
       kMagRate},
      symmetric(&L::magRange),
      threeAxes({"X %1 µT", "Y %1 µT", "Z %1 µT"}, {&S::magX, &S::magY, &S::magZ},
-               &L::magEffectiveRate)},
+               &L::magEffectiveRate, kMagRange)},
     {Sensor::ORIENTATION,
      {"Orientation", "Orientation @ ", "Orientation"},
      {DataPlot::ORIENTATION,
@@ -67,7 +78,7 @@ const std::array<SensorInfo, 6> kSensors{{
       kImuRate},
      symmetric(&L::orientRange),
      threeAxes({"X %1°", "Y %1°", "Z %1°"}, {&S::orientX, &S::orientY, &S::orientZ},
-               &L::imuEffectiveRate)},
+               &L::imuEffectiveRate, kOrientRange)},
     {Sensor::BAROMETER,
      {"Barometer", "Barometer @ ", "Barometer"},
      {DataPlot::BAROMETER,
@@ -82,7 +93,8 @@ const std::array<SensorInfo, 6> kSensors{{
       {&Style::valueSingle, nullptr, nullptr},
       7,
       2,
-      &L::baroEffectiveRate}},
+      &L::baroEffectiveRate,
+      kPressureRange}},
     // The readout is crossed on purpose: the first field, coloured like the left camera's
     // curve, is worded "Right"; the second "Left".
     {Sensor::TEMPERATURE,
@@ -99,7 +111,8 @@ const std::array<SensorInfo, 6> kSensors{{
       {&Style::valueY, &Style::valueZ, nullptr},
       1,
       2,
-      &L::baroEffectiveRate}},
+      &L::baroEffectiveRate,
+      kTemperatureRange}},
 }};
 
 }  // namespace

@@ -51,6 +51,12 @@ struct SensorValueAxis {
     Level maximum;
 };
 
+// The lowest and the highest reading a sensor gives, the ends of its measuring range: the
+// read-out fields keep room for the texts of both.
+struct ReadingRange {
+    double lowest, highest;
+};
+
 // One text per field with %1 for the newest value of its series, in the field's style (coloured
 // like its curve). A null text hides the field.
 struct SensorReadoutLook {
@@ -59,6 +65,7 @@ struct SensorReadoutLook {
     std::array<QString Style::*, 3> styles;
     int width, precision;
     Rate effectiveRate;  // as the camera measures it
+    ReadingRange range;
 };
 
 struct SensorInfo {

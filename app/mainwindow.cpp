@@ -34,6 +34,7 @@ void turnOrientationView(OGL3DWidget& view, const SampleIngest::Pose& pose) {
 
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(new Ui::MainWindow) {
     ui->setupUi(this);
+    readoutFieldFloor = ui->lineEdit_value_0->minimumWidth();
     placeReplayBar();
     recordDir.setPath(recOptions.saveFolder);
     statusBar()->hide();

@@ -16,6 +16,7 @@
 #include <optional>
 
 #include "DetectionThread.h"
+#include "ElidingLabel.h"
 #include "LiveCameraSession.h"
 #include "SampleIngest.h"
 #include "SensorSamples.h"
@@ -127,6 +128,7 @@ private:
     void initCharts();
     void selectSensor(Sensor sensor);
     void changeSensor(std::optional<Sensor> sensor);
+    void fitReadoutFields(Sensor sensor);
     void setValueAxis(const SensorInfo& info, double margin);
     void updateChartTimeSize();
     void feedChart(Sensor sensor, RowNumber imuStart);
@@ -169,6 +171,7 @@ private:
     LiveCameraSession session{detectionThread.mutex()};
 
     std::optional<Sensor> shown;  // none until a sensor is chosen; drawn as the accelerometer
+    int readoutFieldFloor = 0;    // the form's minimum width of a read-out field
     int timeRange = 5;            // seconds shown by the chart
     std::chrono::steady_clock::time_point lastDisplayUpdate;
     int imageFrameCount = 0;
@@ -179,7 +182,7 @@ private:
     CsvWriter csvWriter;
     QDir recordDir;
     RecOptions recOptions;
-    QLabel statusLabel;
+    ElidingLabel statusLabel;
     int sensorRatePercent = 100;  // copied into the state store when a camera opens
     int streamQuality = 7;        // likewise
 };

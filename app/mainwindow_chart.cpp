@@ -4,6 +4,8 @@
 #include "ChartSamples.h"
 #include "ChartSpan.h"
 #include "DataPlot.h"
+#include "FieldWidth.h"
+#include "SensorReadout.h"
 #include "mainwindow.h"
 #include "style.h"
 #include "ui_mainwindow.h"
@@ -29,28 +31,44 @@ QString MainWindow::shownSensor() const {
     return shown ? QString::fromLatin1(sensorInfo(*shown).labels.name) : QString();
 }
 
-// Without a sensor the plot keeps its type and the fields their default colours.
+// Without a sensor the plot keeps its type and the fields show the accelerometer in their
+// default colours.
 void MainWindow::changeSensor(std::optional<Sensor> sensor) {
     shown = sensor;
     QLineEdit* fields[3] = {ui->lineEdit_value_0, ui->lineEdit_value_1, ui->lineEdit_value_2};
     QString Style::*const defaultStyles[3] = {&Style::valueX, &Style::valueY, &Style::valueZ};
+    const SensorInfo* info = sensor ? &sensorInfo(*sensor) : nullptr;
+    bool used[3];
     for (int i = 0; i < 3; ++i) {
-        fields[i]->setStyleSheet(style->*defaultStyles[i]);
-        fields[i]->show();
+        QString Style::*const sheet = info ? info->readout.styles[i] : defaultStyles[i];
+        used[i] = sheet != nullptr;
+        if (used[i])
+            fields[i]->setStyleSheet(style->*sheet);
+        else
+            fields[i]->hide();
     }
+    // Showing a field lays the window out at once: with the widths of the sensor before, the
+    // window would grow for good.
+    fitReadoutFields(sensor.value_or(Sensor::ACCELEROMETER));
+    for (int i = 0; i < 3; ++i)
+        if (used[i]) fields[i]->show();
     ui->pushButton_calib_mag->setVisible(sensor == Sensor::MAGNETOMETER);
-    if (sensor) {
-        const SensorInfo& info = sensorInfo(*sensor);
-        for (int i = 0; i < 3; ++i) {
-            if (info.readout.styles[i] == nullptr)
-                fields[i]->hide();
-            else
-                fields[i]->setStyleSheet(style->*info.readout.styles[i]);
-        }
-        ui->widget_chart->setSensorType(info.chart.plotType);
-        setValueAxis(info, kMarginWhenChosen);
+    if (info) {
+        ui->widget_chart->setSensorType(info->chart.plotType);
+        setValueAxis(*info, kMarginWhenChosen);
     }
     updateChartTimeSize();
+}
+
+// The fields of a sensor keep room for the widest texts it can show, so that no reading is cut
+// at any size the window allows: the layout's minimum, and with it the window's, follows. All of
+// a sensor's fields are as wide as its widest, which keeps the row even.
+void MainWindow::fitReadoutFields(Sensor sensor) {
+    QLineEdit* fields[3] = {ui->lineEdit_value_0, ui->lineEdit_value_1, ui->lineEdit_value_2};
+    fields[0]->ensurePolished();  // the style sheet's font
+    const int width =
+        std::max(readoutFieldFloor, widthShowingWhole(*fields[0], rangeEndTexts(sensor)));
+    for (QLineEdit* field : fields) field->setMinimumWidth(width);
 }
 
 // Symmetric sensors get the margin around their largest reading; the others span their running

@@ -58,8 +58,12 @@ void MainWindow::printDiskFreeSpace() {
     setFreeSpace(freeSpaceGigabytes(recOptions.saveFolder), recOptions.saveFolder);
 }
 
+// In the row of the read-outs, the amount stays whole and a long folder path gives way, cut
+// at its end; the tool tip holds all of it.
 void MainWindow::setFreeSpace(double gigabytes, const QString& path) {
     showFreeSpace(&statusLabel, gigabytes, path);
+    statusLabel.setShortestText(freeSpaceText(gigabytes, QString()) + QChar(0x2026));
+    statusLabel.setToolTip(statusLabel.text());
 }
 
 double MainWindow::rowsPerSecond() const { return recOptions.sampleFreq; }

@@ -30,7 +30,10 @@ QPalette dialPalette(const QColor& base) {
 
 }  // namespace
 
-Compass::Compass(QWidget* parent) : QwtCompass(parent) { setRaw(false); }
+Compass::Compass(QWidget* parent) : QwtCompass(parent) {
+    useHeadingScale();
+    setRaw(false);
+}
 
 Compass::~Compass() = default;
 
@@ -60,6 +63,15 @@ void Compass::keepDialColours() {
     if (palette() != own) {
         setPalette(own);
     }
+}
+
+// Headings run from -180 to 180 degrees. On QwtCompass's own scale, 0 to 360, a negative heading
+// showed as 0: Qwt 6.1 clamps a value outside the scale, wrapping or not (370 shows as 360). So
+// the scale starts at -180, at the bottom of the dial (origin 90: angles go clockwise from
+// 3 o'clock), which leaves 0 at the top and 90 to the right.
+void Compass::useHeadingScale() {
+    setScale(-180.0, 180.0);
+    setOrigin(90.0);
 }
 
 void Compass::setupScale() {

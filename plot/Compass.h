@@ -2,7 +2,7 @@
 
 #include <qwt_compass.h>
 
-// A compass dial for a heading in degrees (setValue), 0 at the top, clockwise.
+// A compass dial for a heading in degrees from -180 to 180 (setValue), 0 at the top, clockwise.
 class Compass : public QwtCompass {
     Q_OBJECT
 
@@ -18,8 +18,8 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    void useHeadingScale();
     void setupScale();
     void setupNeedle();
     void keepDialColours();
 };
-

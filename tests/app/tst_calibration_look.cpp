@@ -1,7 +1,7 @@
 // The magnetometer calibration dialog as a user sees it, opened from the main window on a
 // simulated camera whose stored calibration the device rates GOOD, OK or NOT GOOD: the status
-// label in the quality colour with black text, and the two compass faces, read from pictures of
-// the whole dialog.
+// label in the quality colour with black text, the two compass faces, and the needles pointing
+// to the headings the labels above them show, read from pictures of the whole dialog.
 #include <QLabel>
 #include <QPushButton>
 #include <QtTest>
@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 
+#include "CompassNeedle.h"
 #include "ComposedWindow.h"
 #include "MessageBoxWatcher.h"
 #include "SimulatedCameras.h"
@@ -50,6 +51,15 @@ QColor faceColour(const QImage& compass) {
     const QRect inner(compass.width() / 2 - side / 5, compass.height() / 2 - side / 5,
                       2 * (side / 5), 2 * (side / 5));
     return composed::dominantColour(compass.copy(inner));
+}
+
+// The heading a label such as "Calibrated\n-100.00°" shows; NaN when it shows none.
+double headingShownBy(const QLabel* label) {
+    QString number = label->text().section('\n', 1).trimmed();
+    number.chop(1);  // the degree sign
+    bool ok = false;
+    const double heading = number.toDouble(&ok);
+    return ok ? heading : std::nan("");
 }
 
 }  // namespace
@@ -150,6 +160,48 @@ private slots:
                     composed::distance(calibrated, Qt::darkBlue) <= 6,
                     qPrintable(shot.how + ": calibrated face " + composed::describe(calibrated)));
             }
+        });
+    }
+
+    // A still camera facing a heading, with a calibration stored that undoes its distortion:
+    // the calibrated label shows that heading, the uncalibrated one what the distorted field
+    // makes of it, and each needle's red half points where its label says, negative headings
+    // included.
+    void needlesPointToTheHeadings_data() {
+        QTest::addColumn<double>("heading");
+        for (double heading : {60.0, 150.0, -30.0, -100.0, -170.0})
+            QTest::addRow("%g", heading) << heading;
+    }
+    void needlesPointToTheHeadings() {
+        QFETCH(double, heading);
+        bw::sim::DeviceConfig camera = simulatedCamera(bw::MODEL::ORYX_D);
+        camera.motion = bw::sim::MotionProfile::Still;
+        camera.headingDeg = heading;
+        PacedVirtualTime time({camera});
+        storeCalibration(camera, 0.f);
+        inDialog("GOOD", [&](MagCalibDlg& dialog, const QVector<composed::Shot>& shots) {
+            const double calibrated =
+                headingShownBy(dialog.findChild<QLabel*>("label_heading_calib"));
+            QVERIFY2(std::abs(needle::headingDifference(calibrated, heading)) < 3.0,
+                     qPrintable(QString("the calibrated label shows %1").arg(calibrated)));
+            const struct {
+                const char* compass;
+                const char* label;
+            } pairs[] = {{"widget_raw_compass", "label_heading_uncalib"},
+                         {"widget_calib_compass", "label_heading_calib"}};
+            for (const composed::Shot& shot : shots)
+                for (const auto& pair : pairs) {
+                    const double labelled = headingShownBy(dialog.findChild<QLabel*>(pair.label));
+                    const std::optional<double> pointed = needle::headingOf(composed::region(
+                        shot.image, &dialog, composed::named(&dialog, pair.compass)));
+                    const QString seen = QString("%1, %2: label %3, needle %4")
+                                             .arg(shot.how, pair.compass)
+                                             .arg(labelled)
+                                             .arg(pointed ? QString::number(*pointed) : "none");
+                    QVERIFY2(pointed, qPrintable(seen));
+                    QVERIFY2(std::abs(needle::headingDifference(*pointed, labelled)) < 3.0,
+                             qPrintable(seen));
+                }
         });
     }
 };

@@ -1,13 +1,15 @@
 // The main window as a user sees it on a simulated camera: the picture a screenshot takes of the
 // whole window, not the properties the code set. The orientation view's colours and frame, the
-// free-space label's text and the face the labels are drawn in.
+// free-space label's text, the record button's text in each of its states and the face the
+// labels are drawn in.
 #include <QOpenGLWidget>
-#include <QPainter>
 #include <QSurfaceFormat>
+#include <QTemporaryDir>
 #include <QtTest>
 #include <array>
 
 #include "ComposedWindow.h"
+#include "MessageBoxWatcher.h"
 #include "OGL3DWidget.h"
 #include "SimulatedCameras.h"
 #include "WidgetTestMain.h"
@@ -98,33 +100,6 @@ QColor edgeColour(const QImage& view, const char* edge) {
         if (c.red() > best.red()) best = c;
     }
     return best;
-}
-
-// The width of the ink of the text in `image`: the columns with pixels that differ clearly from
-// the background.
-int inkWidth(const QImage& image, const QColor& background) {
-    int left = image.width(), right = -1;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            if (composed::distance(image.pixelColor(x, y), background) > 60) {
-                left = std::min(left, x);
-                right = std::max(right, x);
-            }
-    return right - left + 1;
-}
-
-// `text` as `like` would draw it in `font`, in the same colours and at the same resolution.
-QImage reference(const QString& text, const QFont& font, const QWidget* like, const QColor& ink,
-                 const QColor& background) {
-    QImage image(like->size(), QImage::Format_RGB32);
-    image.setDotsPerMeterX(qRound(like->logicalDpiX() / 0.0254));
-    image.setDotsPerMeterY(qRound(like->logicalDpiY() / 0.0254));
-    image.fill(background);
-    QPainter painter(&image);
-    painter.setFont(font);
-    painter.setPen(ink);
-    painter.drawText(image.rect(), Qt::AlignLeft | Qt::AlignVCenter, text);
-    return image;
 }
 
 }  // namespace
@@ -229,6 +204,57 @@ private slots:
         }
     }
 
+    // The record button's text against its own background, where the button's border does not
+    // reach: idle, under the mouse, recording (checked), both, and disabled. WCAG AA asks 4.5:1
+    // of small text.
+    void recordButtonTextReads_data() {
+        QTest::addColumn<bool>("recording");
+        QTest::addColumn<bool>("hovered");
+        QTest::addColumn<bool>("disabled");
+        QTest::newRow("idle") << false << false << false;
+        QTest::newRow("under the mouse") << false << true << false;
+        QTest::newRow("recording") << true << false << false;
+        QTest::newRow("recording, under the mouse") << true << true << false;
+        QTest::newRow("disabled") << false << false << true;
+    }
+    void recordButtonTextReads() {
+        QFETCH(bool, recording);
+        QFETCH(bool, hovered);
+        QFETCH(bool, disabled);
+        QTemporaryDir folder;
+        PacedVirtualTime time({simulatedCamera(bw::MODEL::ORYX_D)});
+        MessageBoxWatcher boxes;
+        MainWindow w;
+        w.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&w));
+        QToolButton* button = w.form()->toolButton_save;
+        QTRY_VERIFY_WITH_TIMEOUT(w.isSampling(), kTimeoutMs);
+        // As the window does for a camera without motion sensors.
+        if (disabled) w.form()->frame_data_options->setEnabled(false);
+        if (recording) {
+            w.recordingOptions().saveFolder = folder.path();
+            button->click();
+            QVERIFY2(button->isChecked() && !w.recordingPath().isEmpty(), "not recording");
+        }
+        // Elsewhere, or onto the button; the pointer of the X server starts anywhere.
+        QTest::mouseMove(hovered ? static_cast<QWidget*>(button) : w.form()->label_sensor_type);
+        QTRY_COMPARE_WITH_TIMEOUT(button->underMouse(), hovered, kTimeoutMs);
+        for (const composed::Shot& shot : composed::grabBoth(&w)) {
+            // Inside the 2 px border and its rounded corners.
+            const QImage face = composed::region(shot.image, &w, button, 3);
+            const QColor background = composed::dominantColour(face);
+            const QColor ink = composed::inkColour(face, background);
+            const double contrast = composed::contrastRatio(ink, background);
+            QVERIFY2(contrast >= 4.5,
+                     qPrintable(QString("%1: \"%2\" in %3 on %4, contrast %5")
+                                    .arg(shot.how, button->text(), composed::describe(ink),
+                                         composed::describe(background))
+                                    .arg(contrast, 0, 'f', 2)));
+        }
+        if (recording) button->click();
+        QVERIFY(boxes.shown().isEmpty());
+    }
+
     // The labels' sheets name NB Akademie families, which the project does not ship; they are
     // drawn in the bundled Roboto, the Medium ones in its Medium face. Measured on the glyphs:
     // the label's word is as wide as Roboto Medium draws it (the usual fallback, DejaVu Sans,
@@ -249,9 +275,11 @@ private slots:
             const QImage image = composed::region(shot.image, &w, label);
             const QColor background = composed::dominantColour(image);
             const QColor ink = composed::inkColour(image, background);
-            const int drawn = inkWidth(image, background);
+            const int drawn = composed::inkSpan(image, background).width();
             const int expected =
-                inkWidth(reference(label->text(), roboto, label, ink, background), background);
+                composed::inkSpan(
+                    composed::textAlone(label->text(), roboto, label, ink, background), background)
+                    .width();
             QVERIFY2(std::abs(drawn - expected) <= 1,
                      qPrintable(QString("%1: \"%2\" %3 px wide, %4 px in Roboto Medium; the "
                                         "label's font resolves to %5 %6")

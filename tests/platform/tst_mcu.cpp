@@ -8,9 +8,9 @@
 #include <bw/hid.hpp>
 #include <cmath>
 
-#include "physics/SensorTimeline.hpp"
 #include "SimFixture.hpp"
 #include "SimulatedMcu.h"
+#include "physics/SensorTimeline.hpp"
 
 using namespace simtest;
 using namespace simmcu;
@@ -205,6 +205,33 @@ private slots:
         const double expected = -yawDeg * k;  // yaw turns towards west, heading towards east
         QVERIFY2(std::abs(std::remainder(heading - expected, 2 * kPi)) < 1e-4,
                  qPrintable(QString::number(heading / k)));
+    }
+
+    // A still camera told where to face reports that heading, negative ones included.
+    void stillCameraFacesTheHeadingItIsGiven_data() {
+        QTest::addColumn<double>("headingDeg");
+        QTest::newRow("east-north-east") << 60.0;
+        QTest::newRow("west-south-west") << -100.0;
+        QTest::newRow("south") << 180.0;
+    }
+    void stillCameraFacesTheHeadingItIsGiven() {
+        QFETCH(double, headingDeg);
+        DeviceConfig facing = camera(MODEL::ORYX_D, kSerialD);
+        facing.motion = bw::sim::MotionProfile::Still;
+        facing.headingDeg = headingDeg;
+        // Undistorted, so that the raw field points to north as it is.
+        facing.hardIronOffset = {0.f, 0.f, 0.f};
+        facing.softIronScale = {1.f, 1.f, 1.f};
+        SimScope sim({facing});
+        const auto mcu = openMcu(kSerialD);
+        QCOMPARE(mcu->startCapture(0.f), 0);
+        Clock::advanceBy(100 * kMs);
+        const bw::_imu_pose_data p = mcu->getIMUPose(6);
+        QCOMPARE(p.valid, std::uint8_t(1));
+        const double reported = p.mag_heading * 180.0 / kPi;
+        // Within the magnetometer's noise.
+        QVERIFY2(std::abs(std::remainder(reported - headingDeg, 360.0)) < 2.0,
+                 qPrintable(QString::number(reported)));
     }
 
     void hidListing() {

@@ -52,6 +52,7 @@ private slots:
     void everyKeyIsRead() {
         const ScenarioParseResult result = parse(
             "model=oryx_c serial=20012345 id=4 motion=Tumbling seed=18446744073709551615 "
+            "heading=-100.5 "
             "imu_rate=20000 hard_iron=20,-12.5,5e1 soft_iron=1.1,0.9,1 plug=2.5 unplug=30 "
             "firmware=1600 "
             "sensor_firmware=801 faults=mag_saturated,repeat_imu_ts,imu_unavailable,"
@@ -65,6 +66,7 @@ private slots:
         QCOMPARE(c.cameraId, 4);
         QCOMPARE(name(c.motion), name(MotionProfile::Tumbling));
         QCOMPARE(c.seed, std::uint64_t{18446744073709551615ull});
+        QCOMPARE(c.headingDeg.value_or(0.0), -100.5);
         QCOMPARE(c.imuRateHz, 20000.0);
         QCOMPARE(c.hardIronOffset, bw::Vector3<float>(20.f, -12.5f, 50.f));
         QCOMPARE(c.softIronScale, bw::Vector3<float>(1.1f, 0.9f, 1.f));
@@ -102,6 +104,7 @@ private slots:
         QCOMPARE(seeds.size(), std::size_t{4});
         QCOMPARE(cams[0].hardIronOffset, DeviceConfig().hardIronOffset);
         QCOMPARE(cams[0].imuRateHz, 400.0);
+        QVERIFY(!cams[0].headingDeg);
     }
 
     void badTextNamesTheBadPart_data() {
@@ -145,7 +148,7 @@ private slots:
             "hard_iron=,,|hard_iron=1,2|hard_iron=1,nan,2|soft_iron=1e-400,1,1|soft_iron=1,0,1|"
             "soft_iron=1,1,1,1|id=99999999999999999999|id=-1|serial=0|serial=4294967296|"
             "plug=1e999|plug=-1|unplug=0|seed=-0|seed=12x|imu_rate=0|imu_rate=100001|"
-            "imu_rate=fast|serial=31007936; model=ORYX_D|\x01\xff=\x80";
+            "imu_rate=fast|heading=north|heading=inf|serial=31007936; model=ORYX_D|\x01\xff=\x80";
         for (const QByteArray& text : texts.split('|')) {
             QVERIFY2(!parse(text.constData()).ok, text.constData());
         }

@@ -5,27 +5,11 @@
 
 #include "CalibPlot.h"
 #include "Compass.h"
+#include "CompassNeedle.h"
 #include "PlotImages.h"
 #include "WidgetTestMain.h"
 
 namespace {
-
-// Where the needle's red (north) half lies, relative to the dial's centre.
-QPointF redCentroid(const QImage& image) {
-    QPointF sum;
-    int n = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            const QColor c = image.pixelColor(x, y);
-            // Bright red; the raw dial's disc (dark red) stays below this.
-            if (c.red() > 180 && c.green() < 80 && c.blue() < 80) {
-                sum += QPointF(x, y);
-                ++n;
-            }
-        }
-    }
-    return n > 0 ? sum / n - QPointF(image.width() / 2.0, image.height() / 2.0) : QPointF();
-}
 
 QImage shownImage(QWidget& widget) {
     widget.resize(200, 200);
@@ -95,24 +79,31 @@ private slots:
         for (double y : {-12.0, 25.0}) QVERIFY(plot.axisScaleDiv(QwtPlot::yLeft).contains(y));
     }
 
-    // The needle's red (north) half points to the heading, clockwise from up; the raw
-    // compass shows 0 whatever it is given. (The faces' colours are checked on the dialog.)
-    void compassShowsHeading() {
+    // The needle's red (north) half points to the heading, clockwise from up, for headings
+    // of either sign (the device reports -180 to 180).
+    void needlePointsToTheHeading_data() {
+        QTest::addColumn<double>("heading");
+        for (double heading : {0.0, 90.0, 150.0, 180.0, -30.0, -100.0, -170.0, -180.0})
+            QTest::addRow("%g", heading) << heading;
+    }
+    void needlePointsToTheHeading() {
+        QFETCH(double, heading);
         Compass compass;
-        QImage image = shownImage(compass);
-        QVERIFY(!image.isNull());
-        QPointF red = redCentroid(image);
-        QVERIFY2(red.y() < -10 && std::abs(red.x()) < 3,
-                 qPrintable(QString("%1,%2").arg(red.x()).arg(red.y())));
+        compass.setValue(heading);
+        const std::optional<double> shown = needle::headingOf(shownImage(compass));
+        QVERIFY2(shown, "no needle in the picture");
+        QVERIFY2(std::abs(needle::headingDifference(*shown, heading)) < 3.0,
+                 qPrintable(QString("needle at %1 for %2").arg(*shown).arg(heading)));
+    }
 
-        compass.setValue(90.0);
-        red = redCentroid(compass.grab().toImage());
-        QVERIFY2(red.x() > 10 && std::abs(red.y()) < 3,
-                 qPrintable(QString("%1,%2").arg(red.x()).arg(red.y())));
-
-        compass.setValue(200.0);
+    // Restyling puts the needle back to north until the next heading comes.
+    void restylingTurnsTheNeedleNorth() {
+        Compass compass;
+        compass.setValue(-100.0);
         compass.setRaw(true);
-        QCOMPARE(compass.value(), 0.0);
+        const std::optional<double> shown = needle::headingOf(shownImage(compass));
+        QVERIFY2(shown, "no needle in the picture");
+        QVERIFY2(std::abs(*shown) < 3.0, qPrintable(QString("needle at %1").arg(*shown)));
     }
 };
 

@@ -5,8 +5,11 @@
 #pragma once
 
 #include <QColor>
+#include <QFont>
+#include <QFontMetrics>
 #include <QHash>
 #include <QImage>
+#include <QPainter>
 #include <QPixmap>
 #include <QScreen>
 #include <QString>
@@ -98,6 +101,42 @@ inline QColor inkColour(const QImage& image, const QColor& background) {
             if (distance(c, background) > distance(ink, background)) ink = c;
         }
     return ink;
+}
+
+// The columns of `image` from the first to the last that hold ink: pixels that differ clearly
+// from the background. Empty (right < left) when there is none.
+struct InkSpan {
+    int left = 0;
+    int right = -1;
+    int width() const { return right - left + 1; }
+};
+
+inline InkSpan inkSpan(const QImage& image, const QColor& background) {
+    InkSpan span{image.width(), -1};
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (distance(image.pixelColor(x, y), background) > 60) {
+                span.left = std::min(span.left, x);
+                span.right = std::max(span.right, x);
+            }
+    return span;
+}
+
+// `text` drawn whole in `font`, as `like` would draw it at its resolution, in the same colours,
+// with room to spare all round.
+inline QImage textAlone(const QString& text, const QFont& font, const QWidget* like,
+                        const QColor& ink, const QColor& background) {
+    const QFontMetrics metrics(font, like);
+    QImage image(metrics.horizontalAdvance(text) + 2 * metrics.height(), 2 * metrics.height(),
+                 QImage::Format_RGB32);
+    image.setDotsPerMeterX(qRound(like->logicalDpiX() / 0.0254));
+    image.setDotsPerMeterY(qRound(like->logicalDpiY() / 0.0254));
+    image.fill(background);
+    QPainter painter(&image);
+    painter.setFont(font);
+    painter.setPen(ink);
+    painter.drawText(image.rect(), Qt::AlignCenter, text);
+    return image;
 }
 
 // WCAG contrast ratio of two opaque colours: 1 (none) to 21 (black on white).

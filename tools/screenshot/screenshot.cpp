@@ -32,8 +32,8 @@ int main(int argc, char* argv[]) {
     const QString output = QString::fromLocal8Bit(argv[1]);
     const double seconds = argc > 2 ? QString::fromLocal8Bit(argv[2]).toDouble() : 5.0;
 
+    // At the size it opens with, as a user first sees it.
     MainWindow window;
-    window.resize(1400, 900);
     window.show();
     if (argc > 3) {
         window.recordingOptions().saveFolder = QString::fromLocal8Bit(argv[3]);

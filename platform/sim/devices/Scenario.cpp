@@ -18,6 +18,9 @@
 //                       tumbling (turned through every orientation). Default gentle.
 //   seed=N              seed of the motion and the sensor noise, 0 to 2^64-1. Default: the
 //                       position + 1. Equal seeds give identical sensor streams.
+//   heading=DEG         where a still or gentle camera faces, in degrees clockwise from
+//                       magnetic north (90 faces east, -90 west). Default: drawn from the
+//                       seed. Tumbling cameras face every way and ignore it.
 //   imu_rate=N          IMU sample rate in Hz, 1 to 100000 (may have a fraction). Default 400.
 //   hard_iron=X,Y,Z     hard-iron offset in µT, magnetometer axes d0,d1,d2. Default 18,-11,7.
 //   soft_iron=X,Y,Z     soft-iron scale per magnetometer axis, each above 0.
@@ -89,9 +92,9 @@ constexpr FaultName kFaultSwitches[] = {
 constexpr std::string_view kEepromReadback = "eeprom_readback";
 constexpr std::string_view kReplayKey = "replay";
 
-const char* const kKeys[] = {"model",    "serial",          "id",        "motion", "seed",
-                             "imu_rate", "hard_iron",       "soft_iron", "plug",   "unplug",
-                             "firmware", "sensor_firmware", "faults"};
+const char* const kKeys[] = {
+    "model",     "serial",    "id",   "motion", "seed",     "heading",         "imu_rate",
+    "hard_iron", "soft_iron", "plug", "unplug", "firmware", "sensor_firmware", "faults"};
 
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
@@ -200,6 +203,7 @@ private:
         if (key == "id") return setUnsigned(value, config_.cameraId);
         if (key == "motion") return setMotion(value);
         if (key == "seed") return setSeed(value);
+        if (key == "heading") return setHeading(value);
         if (key == "imu_rate") return setImuRate(value);
         if (key == "hard_iron") return setTriple(value, config_.hardIronOffset, false);
         if (key == "soft_iron") return setTriple(value, config_.softIronScale, true);
@@ -262,6 +266,13 @@ private:
         const auto seed = parseInteger<std::uint64_t>(value);
         if (!seed) return badNumber(value);
         config_.seed = *seed;
+        return true;
+    }
+
+    bool setHeading(std::string_view value) {
+        const auto degrees = parseReal(value);
+        if (!degrees) return badNumber(value);
+        config_.headingDeg = *degrees;
         return true;
     }
 

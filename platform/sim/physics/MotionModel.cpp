@@ -61,9 +61,14 @@ Eigen::Quaterniond headingRotation(double headingRad) {
 
 }  // namespace
 
-MotionModel::MotionModel(MotionProfile profile, std::uint64_t seed) : profile_(profile) {
+MotionModel::MotionModel(MotionProfile profile, std::uint64_t seed,
+                         std::optional<double> headingDeg)
+    : profile_(profile) {
     noise::ParameterDraw draw(noise::key(seed, noise::Stream::MotionParameters));
-    heading0_ = draw.uniform(-kPi, kPi);
+    // Drawn even when given, so that the seed's other parameters stay the same. The heading
+    // turns towards east, the yaw about the world's up axis towards west.
+    const double drawnYaw = draw.uniform(-kPi, kPi);
+    heading0_ = headingDeg ? -*headingDeg * kDegToRad : drawnYaw;
     pose_ = headingRotation(heading0_);
     switch (profile_) {
         case MotionProfile::Still:

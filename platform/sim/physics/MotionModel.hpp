@@ -16,6 +16,7 @@
 #include <array>
 #include <bw/sim/DeviceConfig.hpp>
 #include <cstdint>
+#include <optional>
 
 #include "ActivityEnvelope.hpp"
 #include "Harmonics.hpp"
@@ -25,7 +26,10 @@ namespace bw::sim {
 
 class MotionModel {
 public:
-    MotionModel(MotionProfile profile, std::uint64_t seed);
+    // headingDeg: where a still or gentle camera faces, clockwise from north; absent: drawn
+    // from the seed.
+    MotionModel(MotionProfile profile, std::uint64_t seed,
+                std::optional<double> headingDeg = std::nullopt);
 
     // Integrates the orientation up to t seconds after the start; a t before time() is ignored.
     // Callers step at every IMU instant: the step must stay short for the integration to hold.

@@ -196,7 +196,7 @@ SampleSchedule scheduleOf(std::uint64_t seed, std::uint64_t start, double period
 SensorTimeline::State::State(const DeviceConfig& c, std::uint64_t start)
     : config(c),
       startNs(start),
-      motion(c.motion, c.seed),
+      motion(c.motion, c.seed, c.headingDeg),
       temperatures(c.seed, start),
       imu(scheduleOf(c.seed, start, imuPeriodNs(c), imuPeriodNs(c), imuJitterNs(imuPeriodNs(c)),
                      noise::Stream::ImuJitter),

@@ -49,6 +49,10 @@ struct DeviceConfig {
     Resolution resolution{1920, 1200};
     MotionProfile motion = MotionProfile::Gentle;
     std::uint64_t seed = 1;
+    // Where a still or gently moving camera faces: its heading in degrees, clockwise from
+    // magnetic north as the micro-controller reports it. Absent: drawn from the seed. A tumbling
+    // camera faces every way and ignores it.
+    std::optional<double> headingDeg;
 
     // IMU output rate in Hz. Benchmarks raise it to see how fast a reader can keep up; the
     // timeline clamps it to [kMinImuRateHz, kMaxImuRateHz] so that its one-second history stays
