@@ -51,7 +51,7 @@ QString writeRecording(const QString& folder, const Extremes& e) {
         row.orientY = row.orientZ = e.orientYZ;
         row.pressure = e.pressure;
         row.tempLeft = row.tempRight = row.tempImu = row.tempBarometer = e.temperature;
-        if (!writer.writeRow(row)) return QString();
+        if (writer.writeRow(row) != CsvWriter::WriteOutcome::WRITTEN) return QString();
     }
     writer.close();
     return path;
