@@ -1,7 +1,7 @@
 // Opening recordings for replay: the files that are refused, each with the line and the problem
 // a user needs to find it; recordings cut short by a writer that died, which replay up to the
 // damage; the rows read back in order or by seeking, and reading that fails cleanly when the
-// file changes underneath.
+// file changes underneath; the camera that a file name names.
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -17,6 +17,7 @@
 #include <optional>
 
 #include "RecordingFile.h"
+#include "RecordingName.h"
 
 namespace {
 
@@ -336,6 +337,48 @@ private slots:
             QCOMPARE(read[Column::INDEX], double(index));
         }
         QCOMPARE(file->read(count - 1, read), !laterRowsLost);
+    }
+
+    void aFileNameNamesTheCameraOnlyInTheRecordersShape_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("model");  // empty: the name names no camera
+        QTest::addColumn<uint>("serial");
+        QTest::newRow("as recorded")
+            << "/data/20240305_070809-ORYX_C-sn_41020037-ORYXSensorsData.csv"
+            << "ORYX_C" << 41020037u;
+        QTest::newRow("solo") << "20240102_030405-ORYX_SOLO_A-sn_7-ORYXSensorsData.csv"
+                              << "ORYX_SOLO_A" << 7u;
+        QTest::newRow("no date, no model") << "-sn_7-ORYXSensorsData.csv"
+                                           << "" << 0u;
+        QTest::newRow("empty model") << "--sn_36-ORYXSensorsData.csv"
+                                     << "" << 0u;
+        QTest::newRow("empty model after a date") << "20240305_070809--sn_36-ORYXSensorsData.csv"
+                                                  << "" << 0u;
+        QTest::newRow("short date") << "2024035_070809-ORYX_C-sn_4-ORYXSensorsData.csv"
+                                    << "" << 0u;
+        QTest::newRow("date with letters") << "2024O305_070809-ORYX_C-sn_4-ORYXSensorsData.csv"
+                                           << "" << 0u;
+        QTest::newRow("model with a dash") << "20240305_070809-ORYX-C-sn_4-ORYXSensorsData.csv"
+                                           << "" << 0u;
+        QTest::newRow("signed serial") << "20240305_070809-ORYX_C-sn_+4-ORYXSensorsData.csv"
+                                       << "" << 0u;
+        QTest::newRow("serial beyond 32 bits")
+            << "20240305_070809-ORYX_C-sn_4294967296-ORYXSensorsData.csv"
+            << "" << 0u;
+        QTest::newRow("no serial") << "20240305_070809-ORYX_C-sn_-ORYXSensorsData.csv"
+                                   << "" << 0u;
+        QTest::newRow("other suffix") << "20240305_070809-ORYX_C-sn_4-ORYXSensorsData.txt"
+                                      << "" << 0u;
+    }
+    void aFileNameNamesTheCameraOnlyInTheRecordersShape() {
+        QFETCH(QString, name);
+        QFETCH(QString, model);
+        QFETCH(uint, serial);
+        const auto named = recording::cameraNamedIn(name.toStdString());
+        QCOMPARE(named.has_value(), !model.isEmpty());
+        if (!named) return;
+        QCOMPARE(QString::fromStdString(named->model), model);
+        QCOMPARE(named->serial, serial);
     }
 };
 
