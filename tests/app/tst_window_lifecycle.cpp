@@ -19,6 +19,8 @@ namespace {
 using bw::MODEL;
 
 constexpr int kOpenTimeoutMs = 5000;
+// Polls come every 200 ms; three take 600 ms.
+constexpr int kSlowestThreePollsMs = 3000;
 
 bool isSamplingCamera(MainWindow& w) { return w.input() != nullptr && w.isSampling(); }
 
@@ -218,8 +220,10 @@ private slots:
             w.input(), &InputThreadModul::DetectORYXDisconnect, this, [&] { ++lossReports; },
             Qt::DirectConnection);
 
+        PollCounter polls(w);
         bw::sim::Bus::instance().unplug(camera.serial);
-        QTRY_VERIFY_WITH_TIMEOUT(w.isDetecting(), kOpenTimeoutMs);
+        QTRY_VERIFY2_WITH_TIMEOUT(w.isDetecting(), "the unplugged camera was not let go",
+                                  kOpenTimeoutMs);
         QVERIFY(w.input() == nullptr);
         QVERIFY(!w.isSampling());
         QVERIFY(w.hasNoCamera());
@@ -229,24 +233,39 @@ private slots:
         QCOMPARE(w.form()->label_sensor_rate->text(), QStringLiteral("---"));
         QTRY_COMPARE_WITH_TIMEOUT(w.form()->comboBox_camera_list->itemText(0),
                                   QStringLiteral("No cameras"), kOpenTimeoutMs);
-        QTest::qWait(300);
+        // Each cycle below waits for two polls: slow polling would make them take minutes.
+        const int pollsSinceUnplug = polls.count();
+        QVERIFY2(QTest::qWaitFor([&] { return polls.count() >= pollsSinceUnplug + 3; },
+                                 kSlowestThreePollsMs),
+                 qPrintable(QString("%1 polls in %2 ms without a camera")
+                                .arg(polls.count() - pollsSinceUnplug)
+                                .arg(kSlowestThreePollsMs)));
         QCOMPARE(lossReports.load(), 1);
 
         bw::sim::Bus::instance().replug(camera.serial);
-        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        QTRY_VERIFY2_WITH_TIMEOUT(isSamplingCamera(w), "the replugged camera did not open",
+                                  kOpenTimeoutMs);
 
         const int threads = threadCount();
         const int cycles = qEnvironmentVariableIntValue("ORYX_REPLUG_CYCLES") > 0
                                ? qEnvironmentVariableIntValue("ORYX_REPLUG_CYCLES")
                                : 100;
         for (int cycle = 1; cycle < cycles; ++cycle) {
+            const QByteArray which = "cycle " + QByteArray::number(cycle) + ": ";
             bw::sim::Bus::instance().unplug(camera.serial);
-            QTRY_VERIFY_WITH_TIMEOUT(w.isDetecting() && w.input() == nullptr, kOpenTimeoutMs);
+            QTRY_VERIFY2_WITH_TIMEOUT(w.isDetecting() && w.input() == nullptr,
+                                      (which + "the unplugged camera was not let go").constData(),
+                                      kOpenTimeoutMs);
             QVERIFY(!w.isSampling());
             bw::sim::Bus::instance().replug(camera.serial);
-            QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+            QTRY_VERIFY2_WITH_TIMEOUT(isSamplingCamera(w),
+                                      (which + "the replugged camera did not open").constData(),
+                                      kOpenTimeoutMs);
         }
-        QTRY_VERIFY_WITH_TIMEOUT(threadCount() <= threads, kOpenTimeoutMs);
+        QTRY_VERIFY2_WITH_TIMEOUT(
+            threadCount() <= threads,
+            qPrintable(QString("%1 threads, %2 before the cycles").arg(threadCount()).arg(threads)),
+            kOpenTimeoutMs);
     }
 
     void closingWhileSamplingReleasesTheCamera() {

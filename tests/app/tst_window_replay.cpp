@@ -1,6 +1,10 @@
 // Replay from the main window: a recording made by the viewer plays back through the whole
 // window and records again to the same rows; a file that is not a recording is refused with a
 // message and the viewer carries on; the replay bar pauses and steps one sample at a time.
+//
+// Every wait gives up with a message saying what it waited for, and the waits for an opening
+// stop as soon as a message box says the file was refused.
+#include <QElapsedTimer>
 #include <QFile>
 #include <QHash>
 #include <QSettings>
@@ -17,7 +21,10 @@
 
 namespace {
 
-constexpr int kTimeoutMs = 60000;
+// Bounds waits for what takes well under a second on an idle machine.
+constexpr int kWaitMs = 20000;
+// Waits for what takes long on a slow build give up once nothing moves for this long.
+constexpr int kStillMs = 5000;
 
 // The rows of a recording by their IMU time, each without its index (the position in the
 // window's series, which differs between runs).
@@ -43,15 +50,67 @@ Rows readRows(const QString& path) {
     return rows;
 }
 
-// Records from the window's open camera until `done` holds; empty if it never does.
-template <class Done>
-QString recordUntil(MainWindow& w, const QString& folder, Done done) {
+// Accelerometer rows at `rateHz` from 100 s on, the i-th reading X = i / 1000, then `tail`.
+QByteArray accelerometerRecording(int count, double rateHz, const QByteArray& tail = {}) {
+    QByteArray content = "idx,imu_Timestamp[sec],accX[m/s^2],accY[m/s^2],accZ[m/s^2],\n";
+    for (int i = 0; i < count; ++i)
+        content += QString("%1,%2,%3,0.000000000,9.810000000,\n")
+                       .arg(i)
+                       .arg(100.0 + i / rateHz, 0, 'f', 9)
+                       .arg(i * 0.001, 0, 'f', 9)
+                       .toUtf8();
+    return content + tail;
+}
+
+bool writeFile(const QString& path, const QByteArray& content) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+bool isReplaying(const MainWindow& w) {
+    return w.isSampling() && w.input() != nullptr && w.input()->isReplaying();
+}
+
+// Waits until the window replays what it opened, or a message box says why it does not.
+bool waitForReplay(MainWindow& w, const MessageBoxWatcher& boxes) {
+    return QTest::qWaitFor([&] { return isReplaying(w) || !boxes.shown().isEmpty(); }, kWaitMs) &&
+           isReplaying(w);
+}
+
+QString replayFailure(const MessageBoxWatcher& boxes) {
+    return "the recording does not replay; " + boxes.said();
+}
+
+// Waits until `done` holds while `progress` keeps changing: a slow build takes as long as it
+// needs, a product that stopped gives up after kStillMs.
+template <class Done, class Progress>
+bool waitWhileMoving(Done done, Progress progress) {
+    QElapsedTimer still;
+    still.start();
+    auto last = progress();
+    while (!done()) {
+        QTest::qWait(20);
+        const auto now = progress();
+        if (now != last) {
+            last = now;
+            still.restart();
+        } else if (still.elapsed() > kStillMs) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Records from the window's open camera until `done` holds, as long as `progress` moves; empty
+// if it stops first.
+template <class Done, class Progress>
+QString recordUntil(MainWindow& w, const QString& folder, Done done, Progress progress) {
     QDir().mkpath(folder);
     w.recordingOptions().saveFolder = folder;
     w.recordingOptions().sampleFreq = 400;
     w.form()->toolButton_save->click();
     const QString path = w.recordingPath();
-    const bool finished = QTest::qWaitFor(done, kTimeoutMs);
+    const bool finished = waitWhileMoving(done, progress);
     w.form()->toolButton_save->click();
     return finished ? path : QString();
 }
@@ -73,23 +132,27 @@ private slots:
     // times.
     void aReplayRecordsTheRowsItWasRecordedFrom() {
         PacedVirtualTime time({simulatedCamera(bw::MODEL::ORYX_D)});
+        MessageBoxWatcher boxes;
         QString original;
         {
             MainWindow w;
             w.show();
-            QTRY_VERIFY_WITH_TIMEOUT(w.isSampling() && w.sampleLevels().currentTime > 0,
-                                     kTimeoutMs);
-            const double start = w.sampleLevels().currentTime.load();
-            original = recordUntil(w, folder.filePath("live"), [&] {
-                return w.sampleLevels().currentTime.load() > start + 60.0;
-            });
-            QVERIFY(!original.isEmpty());
+            QTRY_VERIFY2_WITH_TIMEOUT(w.isSampling() && w.sampleLevels().currentTime > 0,
+                                      qPrintable("the camera does not sample; " + boxes.said()),
+                                      kWaitMs);
+            const auto sampledTime = [&w] { return w.sampleLevels().currentTime.load(); };
+            const double start = sampledTime();
+            original = recordUntil(
+                w, folder.filePath("live"), [&] { return sampledTime() > start + 60.0; },
+                sampledTime);
+            QVERIFY2(!original.isEmpty(),
+                     qPrintable(QString("sampling stopped after %1 s").arg(sampledTime() - start)));
         }
         bw::sim::Bus::instance().load({});
         MainWindow w;
         w.openRecordings({original});
         w.show();
-        QTRY_VERIFY_WITH_TIMEOUT(w.isSampling() && w.input()->isReplaying(), kTimeoutMs);
+        QVERIFY2(waitForReplay(w, boxes), qPrintable(replayFailure(boxes)));
         QVERIFY(w.windowTitle().contains(QFileInfo(original).fileName()));
         QVERIFY(w.form()->comboBox_camera_list->currentText().startsWith("Recording - "));
         QVERIFY(w.replayControls()->isVisible());
@@ -98,16 +161,22 @@ private slots:
         auto* playPause = w.replayControls()->findChild<QToolButton*>();
         playPause->click();
         w.input()->seekReplay(0);
-        QTRY_COMPARE_WITH_TIMEOUT(w.input()->shownFrameTimestamp(), w.input()->replayTimestamp(0),
-                                  kTimeoutMs);
+        QTRY_VERIFY2_WITH_TIMEOUT(w.input()->shownFrameTimestamp() == w.input()->replayTimestamp(0),
+                                  "the first frame is not shown after seeking to it", kWaitMs);
         int furthest = 0;
-        const QString replayed = recordUntil(w, folder.filePath("replayed"), [&] {
-            if (w.replayControls()->isPaused()) playPause->click();
-            const int position = w.input()->replayPosition();
-            furthest = std::max(furthest, position);
-            return position + 100 < furthest;
-        });
-        QVERIFY(!replayed.isEmpty());
+        const auto position = [&w] { return w.input()->replayPosition(); };
+        const QString replayed = recordUntil(
+            w, folder.filePath("replayed"),
+            [&] {
+                if (w.replayControls()->isPaused()) playPause->click();
+                furthest = std::max(furthest, position());
+                return position() + 100 < furthest;
+            },
+            position);
+        QVERIFY2(!replayed.isEmpty(), qPrintable(QString("the replay stopped before it started "
+                                                         "over, at frame %1 of %2")
+                                                     .arg(furthest)
+                                                     .arg(frames)));
 
         const Rows before = readRows(original), after = readRows(replayed);
         QCOMPARE(after.header, before.header);
@@ -133,6 +202,7 @@ private slots:
                              qPrintable(titles.value(c) + ": " + got[c] + " vs " + want[c]));
             }
         }
+        QVERIFY2(boxes.shown().isEmpty(), qPrintable(boxes.said()));
     }
 
     // Each refusal names the file, the line and the problem, and the next camera opens.
@@ -140,23 +210,26 @@ private slots:
         PacedVirtualTime time({simulatedCamera(bw::MODEL::ORYX_D)});
         const QString path = folder.filePath("backwards.csv");
         const QByteArray content = "idx,imu_Timestamp[sec],\n0,2.000000000,\n1,1.000000000,\n";
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        file.close();
+        QVERIFY(writeFile(path, content));
         MessageBoxWatcher boxes;
         MainWindow w;
         w.openRecordings({path});
         w.show();
-        QTRY_COMPARE_WITH_TIMEOUT(boxes.shown().size(), 1, kTimeoutMs);
+        QVERIFY2(
+            QTest::qWaitFor([&] { return !boxes.shown().isEmpty() || isReplaying(w); }, kWaitMs),
+            "the file was neither refused nor replayed");
+        QVERIFY2(!isReplaying(w), "the file replays instead of being refused");
+        QCOMPARE(boxes.shown().size(), 1);
         QCOMPARE(boxes.shown().first().title, QString("Replay"));
         QCOMPARE(boxes.shown().first().text,
                  path +
                      " cannot be replayed.\nLine 3: The IMU timestamp 1.000000000 goes back "
                      "from the line before.");
-        QTRY_VERIFY_WITH_TIMEOUT(w.isSampling() && !w.input()->isReplaying(), kTimeoutMs);
+        QTRY_VERIFY2_WITH_TIMEOUT(w.isSampling() && !w.input()->isReplaying(),
+                                  "the camera did not open after the refusal", kWaitMs);
         QVERIFY(w.replayControls()->isHidden());
         QCOMPARE(w.windowTitle(), QString("Sensor Data Viewer"));
+        QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), content);  // untouched
         QTest::qWait(500);
@@ -166,21 +239,15 @@ private slots:
     // Paused, the arrow keys move exactly one recorded sample and the readout follows it.
     void pausedTheArrowKeysStepOneSample() {
         const QString path = folder.filePath("steps.csv");
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("idx,imu_Timestamp[sec],accX[m/s^2],accY[m/s^2],accZ[m/s^2],\n");
-        for (int i = 0; i < 4000; ++i)
-            file.write(QString("%1,%2,%3,0.000000000,9.810000000,\n")
-                           .arg(i)
-                           .arg(100.0 + i * 0.0025, 0, 'f', 9)
-                           .arg(i * 0.001, 0, 'f', 9)
-                           .toUtf8());
-        file.close();
+        QVERIFY(writeFile(path, accelerometerRecording(4000, 400.0)));
         PacedVirtualTime time({});
+        MessageBoxWatcher boxes;
         MainWindow w;
         w.openRecordings({path});
         w.show();
-        QTRY_VERIFY_WITH_TIMEOUT(w.isSampling() && w.input()->replayPosition() > 100, kTimeoutMs);
+        QVERIFY2(waitForReplay(w, boxes), qPrintable(replayFailure(boxes)));
+        QTRY_VERIFY2_WITH_TIMEOUT(w.input()->replayPosition() > 100, "the replay does not play",
+                                  kWaitMs);
         // Key strokes reach the active window; without a window manager the test makes it so.
         QApplication::setActiveWindow(&w);
         QCOMPARE(QApplication::activeWindow(), &w);
@@ -199,7 +266,7 @@ private slots:
             QCOMPARE(w.input()->replayPosition(), expected);
             // The frame on show is the one stepped to: its acceleration reads i / 1000.
             QTRY_COMPARE_WITH_TIMEOUT(
-                shownX(), QString("X %1 m/s²").arg(expected * 0.001, 0, 'f', 3), kTimeoutMs);
+                shownX(), QString("X %1 m/s²").arg(expected * 0.001, 0, 'f', 3), kWaitMs);
         }
     }
 };
