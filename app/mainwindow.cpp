@@ -170,6 +170,7 @@ void MainWindow::createLiveInput() {
     startSensorViews(session.model());
     noCamera = false;
     unsetCursor();
+    tellIfCutShort(selected.recording);
 }
 
 void MainWindow::fillTimeRanges() {
@@ -257,6 +258,8 @@ void MainWindow::reset() {
 }
 
 void MainWindow::cameraDisconnected() {
+    const bool replayUnreadable =
+        session.input() != nullptr && session.input()->replayBecameUnreadable();
     noCamera = true;
     if (recording) stopRecording();
     disconnectSignals();
@@ -265,6 +268,7 @@ void MainWindow::cameraDisconnected() {
     reset();
     displayDefaultValues();
     initCharts();
+    if (replayUnreadable) endUnreadableReplay(selected.recording);
     if (detectMultipleDevice() == 0)
         detectTimer = makeTimer(kDetectPeriodMs, &MainWindow::detectMultipleDevice);
 }

@@ -119,6 +119,8 @@ private:
     void showReplayState();
     void showReplayPosition();
     void refuseRecording(const QString& path);
+    void tellIfCutShort(const QString& path);
+    void endUnreadableReplay(const QString& path);
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
@@ -156,13 +158,14 @@ private:
     QVector<LiveCameraSession::Camera> listedCameras;
     LiveCameraSession::Camera selected;
     QString selectedModelName;
-    QStringList recordings;            // given on the command line or dropped, newest first
-    QStringList refusedRecordings;     // not listed again
-    ReplayBar* replayBar = nullptr;    // shown while a recording is open
-    bw::Timestamp replayStartNs = 0;   // recorded time of the first frame
-    bool detecting = false;      // the camera list is being rebuilt
-    bool noCamera = true;        // searching for cameras
-    bool openingCamera = false;  // createLiveInput is running, possibly inside a message box
+    QStringList recordings;           // given on the command line or dropped, newest first
+    QStringList refusedRecordings;    // not listed again
+    QStringList toldCutShort;         // opened, and told the user they end in a damaged line
+    ReplayBar* replayBar = nullptr;   // shown while a recording is open
+    bw::Timestamp replayStartNs = 0;  // recorded time of the first frame
+    bool detecting = false;           // the camera list is being rebuilt
+    bool noCamera = true;             // searching for cameras
+    bool openingCamera = false;       // createLiveInput is running, possibly inside a message box
     DetectionThread detectionThread;
     LiveCameraSession session{detectionThread.mutex()};
 

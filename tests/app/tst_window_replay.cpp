@@ -1,6 +1,8 @@
 // Replay from the main window: a recording made by the viewer plays back through the whole
 // window and records again to the same rows; a file that is not a recording is refused with a
-// message and the viewer carries on; the replay bar pauses and steps one sample at a time.
+// message and the viewer carries on; one cut short replays up to the damage and says so once;
+// one that changes while it plays ends the replay with a message; paused, the arrow keys step one
+// sample at a time.
 //
 // Every wait gives up with a message saying what it waited for, and the waits for an opening
 // stop as soon as a message box says the file was refused.
@@ -8,6 +10,7 @@
 #include <QFile>
 #include <QHash>
 #include <QSettings>
+#include <QSlider>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -113,6 +116,13 @@ QString recordUntil(MainWindow& w, const QString& folder, Done done, Progress pr
     const bool finished = waitWhileMoving(done, progress);
     w.form()->toolButton_save->click();
     return finished ? path : QString();
+}
+
+QStringList listed(const MainWindow& w) {
+    QStringList items;
+    for (int i = 0; i < w.form()->comboBox_camera_list->count(); ++i)
+        items << w.form()->comboBox_camera_list->itemText(i);
+    return items;
 }
 
 }  // namespace
@@ -234,6 +244,79 @@ private slots:
         QCOMPARE(file.readAll(), content);  // untouched
         QTest::qWait(500);
         QCOMPARE(boxes.shown().size(), 1);  // refused once, not at every poll
+    }
+
+    // A recording whose writer died mid-row replays up to the damage; the user is told once
+    // which line is damaged, not again when the recording is chosen again.
+    void aRecordingCutShortReplaysUpToTheDamageAndSaysSoOnce() {
+        const QString path = folder.filePath("cut-short.csv");
+        QVERIFY(writeFile(path, accelerometerRecording(4000, 400.0, "4000,110.0")));
+        PacedVirtualTime time({simulatedCamera(bw::MODEL::ORYX_D)});
+        MessageBoxWatcher boxes;
+        MainWindow w;
+        w.openRecordings({path});
+        w.show();
+        QVERIFY2(waitForReplay(w, boxes), qPrintable(replayFailure(boxes)));
+        QTRY_COMPARE_WITH_TIMEOUT(boxes.shown().size(), 1, kWaitMs);
+        const ShownMessage told = boxes.shown().first();
+        QCOMPARE(told.title, QString("Replay"));
+        QCOMPARE(told.icon, QMessageBox::Information);
+        QCOMPARE(told.text, path +
+                                " ends in a damaged line, as a recording does whose writer "
+                                "stopped mid-row. The 4000 rows before it are replayed.\n"
+                                "Line 4002: The row has 2 values where the header has 5 columns.");
+        QCOMPARE(w.input()->replayFrameCount(), 4000);
+
+        // The camera, then the recording again.
+        const QString camera =
+            QString("ORYX_D - %1").arg(bw::sim::DeviceConfig::defaultSerial(bw::MODEL::ORYX_D, 0));
+        // The list shows what the poll before the last refresh found.
+        const auto refreshedListHasCamera = [&] {
+            w.form()->pushButton_refresh_list->click();
+            return listed(w).contains(camera);
+        };
+        QVERIFY2(QTest::qWaitFor(refreshedListHasCamera, kWaitMs),
+                 qPrintable("the camera is not listed: " + listed(w).join(", ")));
+        w.form()->comboBox_camera_list->setCurrentIndex(listed(w).indexOf(camera));
+        QVERIFY2(w.isSampling() && !w.input()->isReplaying(), "the camera did not open");
+        w.form()->pushButton_refresh_list->click();
+        const int again = listed(w).indexOf("Recording - cut-short.csv");
+        QVERIFY2(again >= 0, qPrintable("the recording is not listed: " + listed(w).join(", ")));
+        w.form()->comboBox_camera_list->setCurrentIndex(again);
+        QVERIFY2(isReplaying(w), qPrintable(replayFailure(boxes)));
+        QCOMPARE(boxes.shown().size(), 1);
+    }
+
+    // The file is cut while it plays: the replay ends with a message, and the file is not opened
+    // again by itself.
+    void aRecordingChangedWhileReplayedEndsTheReplayWithAMessage() {
+        const QString path = folder.filePath("changing.csv");
+        // Larger than the reader's buffer, so that seeking reads from the disk.
+        const QByteArray content = accelerometerRecording(60000, 400.0);
+        QVERIFY(writeFile(path, content));
+        PacedVirtualTime time({});
+        MessageBoxWatcher boxes;
+        MainWindow w;
+        w.openRecordings({path});
+        w.show();
+        QVERIFY2(waitForReplay(w, boxes), qPrintable(replayFailure(boxes)));
+        const int frames = w.input()->replayFrameCount();
+
+        QVERIFY(QFile::resize(path, content.size() / 2 + 7));
+        w.replayControls()->findChild<QSlider*>()->setValue(frames - 1);
+        QTRY_VERIFY2_WITH_TIMEOUT(!boxes.shown().isEmpty(),
+                                  "no message after the replayed file was cut", kWaitMs);
+        QCOMPARE(boxes.shown().first().title, QString("Replay"));
+        QCOMPARE(boxes.shown().first().text,
+                 path +
+                     " could not be read any more; the replay has ended.\nIt was changed while "
+                     "it was replayed.");
+        QTRY_VERIFY2_WITH_TIMEOUT(w.isDetecting() && w.input() == nullptr,
+                                  "the window did not go back to looking for cameras", kWaitMs);
+        QVERIFY(w.replayControls()->isHidden());
+        QCOMPARE(w.windowTitle(), QString("Sensor Data Viewer"));
+        QTRY_COMPARE_WITH_TIMEOUT(listed(w), QStringList{"No cameras"}, kWaitMs);
+        QCOMPARE(boxes.shown().size(), 1);
     }
 
     // Paused, the arrow keys move exactly one recorded sample and the readout follows it.

@@ -104,7 +104,7 @@ ERROR_CODE ReplaySession::grab() {
         return SUCCESS;
     }
     SensorsData record;
-    if (!readFrame(frame, record)) return FAILURE;
+    if (!readFrame(frame, record)) return INVALID_RECORDING_FILE;
     const double seconds = static_cast<double>(record.imu.timestamp) / 1e9;
     const std::uint64_t due = dueNs(seconds);
     lock.unlock();
