@@ -268,6 +268,37 @@ private slots:
             kOpenTimeoutMs);
     }
 
+    // The camera goes while the last poll saw none: the refresh polled while it was open, and
+    // an open camera is not available. The window's own poll then finds nothing, and it must
+    // keep polling by itself for a camera plugged in later.
+    void aCameraLostWhenTheLastPollSawNoneIsOpenedOncePluggedAgain() {
+        const bw::sim::DeviceConfig camera = simulatedCamera(MODEL::ORYX_D);
+        PacedVirtualTime time({camera});
+        MessageBoxWatcher boxes;
+        MainWindow w;
+        w.show();
+        QTRY_VERIFY2_WITH_TIMEOUT(isSamplingCamera(w),
+                                  qPrintable("the camera did not open; " + boxes.said()),
+                                  kOpenTimeoutMs);
+        PollCounter polls(w);
+        QTRY_VERIFY2_WITH_TIMEOUT(!w.detector().isRunning(), "a poll does not end", kOpenTimeoutMs);
+        w.form()->pushButton_refresh_list->click();
+        QVERIFY2(polls.waitForNext(), "the refresh did not poll");
+
+        bw::sim::Bus::instance().unplug(camera.serial);
+        QTRY_VERIFY2_WITH_TIMEOUT(w.input() == nullptr, "the unplugged camera was not let go",
+                                  kOpenTimeoutMs);
+        // The path under test: the window's own poll had nothing to open.
+        QCOMPARE(listed(w), QStringList{"No cameras"});
+        bw::sim::Bus::instance().replug(camera.serial);
+        QTRY_VERIFY2_WITH_TIMEOUT(
+            isSamplingCamera(w),
+            qPrintable(QString("the camera plugged in again did not open; %1 polls since the "
+                               "refresh")
+                           .arg(polls.count())),
+            kOpenTimeoutMs);
+    }
+
     void closingWhileSamplingReleasesTheCamera() {
         PacedVirtualTime time({simulatedCamera(MODEL::ORYX_D)});
         MainWindow w;

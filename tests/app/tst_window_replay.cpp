@@ -1,11 +1,13 @@
 // Replay from the main window: a recording made by the viewer plays back through the whole
 // window and records again to the same rows; a file that is not a recording is refused with a
 // message and the viewer carries on; one cut short replays up to the damage and says so once;
-// one that changes while it plays ends the replay with a message; paused, the arrow keys step one
-// sample at a time.
+// one that changes while it plays ends the replay with a message; the replay bar's speed is the
+// pace of recorded time, and paused, the arrow keys step one sample at a time.
 //
 // Every wait gives up with a message saying what it waited for, and the waits for an opening
 // stop as soon as a message box says the file was refused.
+#include <QAbstractItemView>
+#include <QComboBox>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QHash>
@@ -116,6 +118,19 @@ QString recordUntil(MainWindow& w, const QString& folder, Done done, Progress pr
     const bool finished = waitWhileMoving(done, progress);
     w.form()->toolButton_save->click();
     return finished ? path : QString();
+}
+
+// Picks `text` from the combo box's list as a user does: open it, go to the entry, press Enter.
+void choose(QComboBox* box, const QString& text) {
+    const int index = box->findText(text);
+    QVERIFY2(index >= 0, qPrintable("no entry " + text));
+    box->showPopup();
+    QAbstractItemView* list = box->view();
+    QTRY_VERIFY2_WITH_TIMEOUT(list->isVisible(), "the list did not open", kWaitMs);
+    list->setCurrentIndex(list->model()->index(index, box->modelColumn()));
+    QTest::keyClick(list, Qt::Key_Return);
+    QTRY_VERIFY2_WITH_TIMEOUT(!list->isVisible(), "the list did not close", kWaitMs);
+    QCOMPARE(box->currentText(), text);
 }
 
 QStringList listed(const MainWindow& w) {
@@ -317,6 +332,52 @@ private slots:
         QCOMPARE(w.windowTitle(), QString("Sensor Data Viewer"));
         QTRY_COMPARE_WITH_TIMEOUT(listed(w), QStringList{"No cameras"}, kWaitMs);
         QCOMPARE(boxes.shown().size(), 1);
+    }
+
+    // Recorded time passes at the chosen speed on the virtual clock, which only the replay moves
+    // here.
+    void theChosenSpeedIsThePaceOfRecordedTime_data() {
+        QTest::addColumn<QString>("speed");
+        QTest::addColumn<double>("factor");
+        QTest::newRow("quarter") << QString::fromUtf8("\u00bc\u00d7") << 0.25;
+        QTest::newRow("as recorded") << QString::fromUtf8("1\u00d7") << 1.0;
+        QTest::newRow("four times") << QString::fromUtf8("4\u00d7") << 4.0;
+        QTest::newRow("sixteen times") << QString::fromUtf8("16\u00d7") << 16.0;
+    }
+    void theChosenSpeedIsThePaceOfRecordedTime() {
+        QFETCH(QString, speed);
+        QFETCH(double, factor);
+        const QString path = folder.filePath("pace.csv");
+        QVERIFY(writeFile(path, accelerometerRecording(3000, 100.0)));  // 30 s
+        bw::sim::VirtualTimeScope virtualTime;
+        bw::sim::Bus::instance().load({});
+        MessageBoxWatcher boxes;
+        MainWindow w;
+        w.openRecordings({path});
+        w.show();
+        QVERIFY2(waitForReplay(w, boxes), qPrintable(replayFailure(boxes)));
+        choose(w.replayControls()->findChild<QComboBox*>(), speed);
+        if (QTest::currentTestFailed()) return;
+
+        // Twenty recorded seconds' worth of virtual time.
+        const std::uint64_t startNs = bw::sim::Clock::nowNs();
+        const bw::Timestamp shownFirst = w.input()->shownFrameTimestamp();
+        const std::uint64_t endNs = startNs + static_cast<std::uint64_t>(20e9 / factor);
+        bw::sim::Clock::setAutoAdvanceLimit(endNs);
+        // The clock stops at the last row due before the end: within a row's period of it.
+        const std::uint64_t rowAtSpeedNs = static_cast<std::uint64_t>(1e9 / 100.0 / factor);
+        QTRY_VERIFY2_WITH_TIMEOUT(bw::sim::Clock::nowNs() + rowAtSpeedNs >= endNs,
+                                  "the replay did not move the virtual clock on", kWaitMs);
+        const double recorded =
+            static_cast<double>(w.input()->shownFrameTimestamp() - shownFirst) / 1e9;
+        const double elapsed = static_cast<double>(bw::sim::Clock::nowNs() - startNs) / 1e9;
+        const double pace = recorded / elapsed;
+        QVERIFY2(std::fabs(pace - factor) < 0.05 * factor,
+                 qPrintable(QString("%1 recorded seconds in %2 s: %3 per second at %4")
+                                .arg(recorded)
+                                .arg(elapsed)
+                                .arg(pace)
+                                .arg(speed)));
     }
 
     // Paused, the arrow keys move exactly one recorded sample and the readout follows it.
