@@ -20,6 +20,7 @@
 #include "MessageBoxWatcher.h"
 #include "ReplayBar.h"
 #include "SimulatedCameras.h"
+#include "WaitOrFail.h"
 #include "WidgetTestMain.h"
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
@@ -27,7 +28,7 @@
 namespace {
 
 // Bounds waits for what takes well under a second on an idle machine.
-constexpr int kWaitMs = 20000;
+constexpr int kWaitMs = 10000;
 // Waits for what takes long on a slow build give up once nothing moves for this long.
 constexpr int kStillMs = 5000;
 
@@ -126,10 +127,10 @@ void choose(QComboBox* box, const QString& text) {
     QVERIFY2(index >= 0, qPrintable("no entry " + text));
     box->showPopup();
     QAbstractItemView* list = box->view();
-    QTRY_VERIFY2_WITH_TIMEOUT(list->isVisible(), "the list did not open", kWaitMs);
+    WAIT_OR_FAIL(list->isVisible(), "the list did not open", kWaitMs);
     list->setCurrentIndex(list->model()->index(index, box->modelColumn()));
     QTest::keyClick(list, Qt::Key_Return);
-    QTRY_VERIFY2_WITH_TIMEOUT(!list->isVisible(), "the list did not close", kWaitMs);
+    WAIT_OR_FAIL(!list->isVisible(), "the list did not close", kWaitMs);
     QCOMPARE(box->currentText(), text);
 }
 
@@ -162,9 +163,8 @@ private slots:
         {
             MainWindow w;
             w.show();
-            QTRY_VERIFY2_WITH_TIMEOUT(w.isSampling() && w.sampleLevels().currentTime > 0,
-                                      qPrintable("the camera does not sample; " + boxes.said()),
-                                      kWaitMs);
+            WAIT_OR_FAIL(w.isSampling() && w.sampleLevels().currentTime > 0,
+                         qPrintable("the camera does not sample; " + boxes.said()), kWaitMs);
             const auto sampledTime = [&w] { return w.sampleLevels().currentTime.load(); };
             const double start = sampledTime();
             original = recordUntil(
@@ -186,8 +186,8 @@ private slots:
         auto* playPause = w.replayControls()->findChild<QToolButton*>();
         playPause->click();
         w.input()->seekReplay(0);
-        QTRY_VERIFY2_WITH_TIMEOUT(w.input()->shownFrameTimestamp() == w.input()->replayTimestamp(0),
-                                  "the first frame is not shown after seeking to it", kWaitMs);
+        WAIT_OR_FAIL(w.input()->shownFrameTimestamp() == w.input()->replayTimestamp(0),
+                     "the first frame is not shown after seeking to it", kWaitMs);
         int furthest = 0;
         const auto position = [&w] { return w.input()->replayPosition(); };
         const QString replayed = recordUntil(
@@ -250,8 +250,8 @@ private slots:
                  path +
                      " cannot be replayed.\nLine 3: The IMU timestamp 1.000000000 goes back "
                      "from the line before.");
-        QTRY_VERIFY2_WITH_TIMEOUT(w.isSampling() && !w.input()->isReplaying(),
-                                  "the camera did not open after the refusal", kWaitMs);
+        WAIT_OR_FAIL(w.isSampling() && !w.input()->isReplaying(),
+                     "the camera did not open after the refusal", kWaitMs);
         QVERIFY(w.replayControls()->isHidden());
         QCOMPARE(w.windowTitle(), QString("Sensor Data Viewer"));
         QFile file(path);
@@ -272,7 +272,8 @@ private slots:
         w.openRecordings({path});
         w.show();
         QVERIFY2(waitForReplay(w, boxes), qPrintable(replayFailure(boxes)));
-        QTRY_COMPARE_WITH_TIMEOUT(boxes.shown().size(), 1, kWaitMs);
+        WAIT_OR_FAIL(!boxes.shown().isEmpty(), "nothing said the recording is cut short", kWaitMs);
+        QCOMPARE(boxes.shown().size(), 1);
         const ShownMessage told = boxes.shown().first();
         QCOMPARE(told.title, QString("Replay"));
         QCOMPARE(told.icon, QMessageBox::Information);
@@ -319,18 +320,19 @@ private slots:
 
         QVERIFY(QFile::resize(path, content.size() / 2 + 7));
         w.replayControls()->findChild<QSlider*>()->setValue(frames - 1);
-        QTRY_VERIFY2_WITH_TIMEOUT(!boxes.shown().isEmpty(),
-                                  "no message after the replayed file was cut", kWaitMs);
+        WAIT_OR_FAIL(!boxes.shown().isEmpty(), "no message after the replayed file was cut",
+                     kWaitMs);
         QCOMPARE(boxes.shown().first().title, QString("Replay"));
         QCOMPARE(boxes.shown().first().text,
                  path +
                      " could not be read any more; the replay has ended.\nIt was changed while "
                      "it was replayed.");
-        QTRY_VERIFY2_WITH_TIMEOUT(w.isDetecting() && w.input() == nullptr,
-                                  "the window did not go back to looking for cameras", kWaitMs);
+        WAIT_OR_FAIL(w.isDetecting() && w.input() == nullptr,
+                     "the window did not go back to looking for cameras", kWaitMs);
         QVERIFY(w.replayControls()->isHidden());
         QCOMPARE(w.windowTitle(), QString("Sensor Data Viewer"));
-        QTRY_COMPARE_WITH_TIMEOUT(listed(w), QStringList{"No cameras"}, kWaitMs);
+        WAIT_OR_FAIL(listed(w) == QStringList{"No cameras"},
+                     qPrintable("listed: " + listed(w).join(", ")), kWaitMs);
         QCOMPARE(boxes.shown().size(), 1);
     }
 
@@ -366,8 +368,8 @@ private slots:
         bw::sim::Clock::setAutoAdvanceLimit(endNs);
         // The clock stops at the last row due before the end: within a row's period of it.
         const std::uint64_t rowAtSpeedNs = static_cast<std::uint64_t>(1e9 / 100.0 / factor);
-        QTRY_VERIFY2_WITH_TIMEOUT(bw::sim::Clock::nowNs() + rowAtSpeedNs >= endNs,
-                                  "the replay did not move the virtual clock on", kWaitMs);
+        WAIT_OR_FAIL(bw::sim::Clock::nowNs() + rowAtSpeedNs >= endNs,
+                     "the replay did not move the virtual clock on", kWaitMs);
         const double recorded =
             static_cast<double>(w.input()->shownFrameTimestamp() - shownFirst) / 1e9;
         const double elapsed = static_cast<double>(bw::sim::Clock::nowNs() - startNs) / 1e9;
@@ -390,8 +392,7 @@ private slots:
         w.openRecordings({path});
         w.show();
         QVERIFY2(waitForReplay(w, boxes), qPrintable(replayFailure(boxes)));
-        QTRY_VERIFY2_WITH_TIMEOUT(w.input()->replayPosition() > 100, "the replay does not play",
-                                  kWaitMs);
+        WAIT_OR_FAIL(w.input()->replayPosition() > 100, "the replay does not play", kWaitMs);
         // Key strokes reach the active window; without a window manager the test makes it so.
         QApplication::setActiveWindow(&w);
         QCOMPARE(QApplication::activeWindow(), &w);
@@ -409,8 +410,9 @@ private slots:
             QTest::keyClick(&w, key);
             QCOMPARE(w.input()->replayPosition(), expected);
             // The frame on show is the one stepped to: its acceleration reads i / 1000.
-            QTRY_COMPARE_WITH_TIMEOUT(
-                shownX(), QString("X %1 m/s²").arg(expected * 0.001, 0, 'f', 3), kWaitMs);
+            const QString stepped = QString("X %1 m/s²").arg(expected * 0.001, 0, 'f', 3);
+            WAIT_OR_FAIL(shownX() == stepped,
+                         qPrintable("the readout shows " + shownX() + ", not " + stepped), kWaitMs);
         }
     }
 };
