@@ -48,9 +48,20 @@ NumberShape shapeOf(std::string_view text) {
     return digits > 0 ? NumberShape::FIXED : NumberShape::NOT_A_NUMBER;
 }
 
+// The number in `text`; false when from_chars cannot read all of it (out of range included).
+bool readNumber(std::string_view text, double& value) {
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    return error == std::errc() && stop == end;
+}
+
+// A fixed-point text this short is within a double's range: below 1e300 and, when not zero,
+// above 1e-300. Only longer ones need reading to know.
+constexpr std::size_t kLongestSurelyInRange = 300;
+
 // Why `text` is not a value as the recorder writes it, phrased to follow the value's name; empty
-// when it is one, and then `value` holds it.
-std::string whyNotAValue(std::string_view text, double& value) {
+// when it is one.
+std::string whyNotAValue(std::string_view text) {
     switch (shapeOf(text)) {
         case NumberShape::EMPTY:
             return "is empty.";
@@ -62,11 +73,9 @@ std::string whyNotAValue(std::string_view text, double& value) {
         case NumberShape::FIXED:
             break;
     }
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (error == std::errc::result_out_of_range)
+    double value = 0.0;
+    if (text.size() > kLongestSurelyInRange && !readNumber(text, value))
         return quotedExcerptOf(text) + " is out of the range of a double-precision number.";
-    if (error != std::errc() || stop != end) return quotedExcerptOf(text) + " is not a number.";
     return {};
 }
 
@@ -220,8 +229,7 @@ RecordingFile::RowCheck RecordingFile::checkRow(std::string_view line, std::int6
         const std::size_t comma = values.find(',', begin);
         const std::string_view text = values.substr(begin, comma - begin);
         if (field < expected) {
-            double value = 0.0;
-            const std::string why = whyNotAValue(text, value);
+            const std::string why = whyNotAValue(text);
             if (!why.empty()) {
                 problem = {lineNumber, problemWithValue(field, titleOf(columns_[field]), why)};
                 const NumberShape shape = shapeOf(text);
@@ -230,7 +238,7 @@ RecordingFile::RowCheck RecordingFile::checkRow(std::string_view line, std::int6
                            : RowCheck::WRONG;
             }
             if (field == imuTimeField_) {
-                imuTime = value;
+                readNumber(text, imuTime);  // a value that passed whyNotAValue() reads
                 imuText = text;
             }
         }
@@ -269,7 +277,7 @@ bool RecordingFile::parseRow(std::string_view line, Row& row) const {
         const std::size_t comma = values.find(',', begin);
         if (field == columns_.size()) return false;
         double value = 0.0;
-        if (!whyNotAValue(values.substr(begin, comma - begin), value).empty()) return false;
+        if (!readNumber(values.substr(begin, comma - begin), value)) return false;
         row.values[static_cast<std::size_t>(columns_[field])] = value;
         ++field;
         if (comma == std::string_view::npos) break;

@@ -77,8 +77,11 @@ bool isReplaying(const MainWindow& w) {
     return w.isSampling() && w.input() != nullptr && w.input()->isReplaying();
 }
 
-// Waits until the window replays what it opened, or a message box says why it does not.
-bool waitForReplay(MainWindow& w, const MessageBoxWatcher& boxes) {
+// Opens the recording in the window and waits until it replays, or a message box says why it
+// does not.
+bool opensForReplay(MainWindow& w, const MessageBoxWatcher& boxes, const QString& path) {
+    w.openRecordings({path});
+    w.show();
     return QTest::qWaitFor([&] { return isReplaying(w) || !boxes.shown().isEmpty(); }, kWaitMs) &&
            isReplaying(w);
 }
@@ -175,9 +178,7 @@ private slots:
         }
         bw::sim::Bus::instance().load({});
         MainWindow w;
-        w.openRecordings({original});
-        w.show();
-        QVERIFY2(waitForReplay(w, boxes), qPrintable(replayFailure(boxes)));
+        QVERIFY2(opensForReplay(w, boxes, original), qPrintable(replayFailure(boxes)));
         QVERIFY(w.windowTitle().contains(QFileInfo(original).fileName()));
         QVERIFY(w.form()->comboBox_camera_list->currentText().startsWith("Recording - "));
         QVERIFY(w.replayControls()->isVisible());
@@ -269,9 +270,7 @@ private slots:
         PacedVirtualTime time({simulatedCamera(bw::MODEL::ORYX_D)});
         MessageBoxWatcher boxes;
         MainWindow w;
-        w.openRecordings({path});
-        w.show();
-        QVERIFY2(waitForReplay(w, boxes), qPrintable(replayFailure(boxes)));
+        QVERIFY2(opensForReplay(w, boxes, path), qPrintable(replayFailure(boxes)));
         WAIT_OR_FAIL(!boxes.shown().isEmpty(), "nothing said the recording is cut short", kWaitMs);
         QCOMPARE(boxes.shown().size(), 1);
         const ShownMessage told = boxes.shown().first();
@@ -313,9 +312,7 @@ private slots:
         PacedVirtualTime time({});
         MessageBoxWatcher boxes;
         MainWindow w;
-        w.openRecordings({path});
-        w.show();
-        QVERIFY2(waitForReplay(w, boxes), qPrintable(replayFailure(boxes)));
+        QVERIFY2(opensForReplay(w, boxes, path), qPrintable(replayFailure(boxes)));
         const int frames = w.input()->replayFrameCount();
 
         QVERIFY(QFile::resize(path, content.size() / 2 + 7));
@@ -355,9 +352,7 @@ private slots:
         bw::sim::Bus::instance().load({});
         MessageBoxWatcher boxes;
         MainWindow w;
-        w.openRecordings({path});
-        w.show();
-        QVERIFY2(waitForReplay(w, boxes), qPrintable(replayFailure(boxes)));
+        QVERIFY2(opensForReplay(w, boxes, path), qPrintable(replayFailure(boxes)));
         choose(w.replayControls()->findChild<QComboBox*>(), speed);
         if (QTest::currentTestFailed()) return;
 
@@ -389,9 +384,7 @@ private slots:
         PacedVirtualTime time({});
         MessageBoxWatcher boxes;
         MainWindow w;
-        w.openRecordings({path});
-        w.show();
-        QVERIFY2(waitForReplay(w, boxes), qPrintable(replayFailure(boxes)));
+        QVERIFY2(opensForReplay(w, boxes, path), qPrintable(replayFailure(boxes)));
         WAIT_OR_FAIL(w.input()->replayPosition() > 100, "the replay does not play", kWaitMs);
         // Key strokes reach the active window; without a window manager the test makes it so.
         QApplication::setActiveWindow(&w);
