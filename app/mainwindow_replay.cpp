@@ -8,7 +8,6 @@
 #include <QMimeData>
 #include <QTimer>
 #include <limits>
-#include <string>
 
 #include "InputThreadModul.h"
 #include "RecordingFile.h"
@@ -37,7 +36,8 @@ bool isRecordingFile(const QString& path) {
 // "Line 12: The row has ..." or, for the file as a whole, the text alone.
 QString whereAndWhat(const recording::Problem& problem) {
     const QString what = QString::fromStdString(problem.text);
-    return problem.line > 0 ? MainWindow::tr("Line %1: %2").arg(problem.line).arg(what) : what;
+    return problem.line > 0 ? MainWindow::tr("Line %1: %2").arg(QString::number(problem.line), what)
+                            : what;
 }
 
 QStringList recordingsIn(const QMimeData* data) {
@@ -138,16 +138,17 @@ void MainWindow::refuseRecording(const QString& path) {
     recordings.removeAll(path);
     if (!refusedRecordings.contains(path)) refusedRecordings << path;
     recording::Problem problem;
+    QString why;
     if (const auto file = recording::RecordingFile::open(path.toStdString(), problem)) {
         // The replay position is an int.
-        problem.text = file->rowCount() > std::numeric_limits<int>::max()
-                           ? "It has " + std::to_string(file->rowCount()) +
-                                 " rows, more than a replay can hold."
-                           : "The camera layer could not open it.";
+        why = file->rowCount() > std::numeric_limits<int>::max()
+                  ? tr("It has %1 rows, more than a replay can hold.").arg(file->rowCount())
+                  : tr("The camera layer could not open it.");
+    } else {
+        why = whereAndWhat(problem);
     }
     showMessage(QMessageBox::Warning, tr("Replay"),
-                tr("%1 cannot be replayed.\n%2")
-                    .arg(QDir::toNativeSeparators(path), whereAndWhat(problem)));
+                tr("%1 cannot be replayed.\n%2").arg(QDir::toNativeSeparators(path), why));
 }
 
 // A recording whose writer died ends in a damaged line; it replays up to there. The user hears
@@ -161,9 +162,8 @@ void MainWindow::tellIfCutShort(const QString& path) {
     showMessage(QMessageBox::Information, tr("Replay"),
                 tr("%1 ends in a damaged line, as a recording does whose writer stopped "
                    "mid-row. The %2 rows before it are replayed.\n%3")
-                    .arg(QDir::toNativeSeparators(path))
-                    .arg(file->rowCount())
-                    .arg(whereAndWhat(*file->cutShort())));
+                    .arg(QDir::toNativeSeparators(path), QString::number(file->rowCount()),
+                         whereAndWhat(*file->cutShort())));
 }
 
 // The open recording could not be read any more. It is not listed again until asked for again.
