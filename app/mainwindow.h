@@ -160,7 +160,7 @@ private:
     QString selectedModelName;
     QStringList recordings;           // given on the command line or dropped, newest first
     QStringList refusedRecordings;    // not listed again
-    QStringList toldCutShort;         // opened, and told the user they end in a damaged line
+    QStringList toldCutShort;         // opened before: the user knows if they end damaged
     ReplayBar* replayBar = nullptr;   // shown while a recording is open
     bw::Timestamp replayStartNs = 0;  // recorded time of the first frame
     bool detecting = false;           // the camera list is being rebuilt

@@ -20,7 +20,7 @@ public:
     LineSource& operator=(const LineSource&) = delete;
 
     // What open() found at the path. Only regular files are read: a named pipe would block
-    // the reader until some writer appears, and a device never ends.
+    // the reader until some writer appears, and a device may never end.
     enum class Opening { OPENED, NOT_FOUND, FAILED, FOLDER, NAMED_PIPE, DEVICE, SOCKET };
     // FAILED leaves the reason in errno.
     Opening open(const std::string& path);

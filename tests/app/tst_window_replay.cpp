@@ -353,12 +353,15 @@ private slots:
         MessageBoxWatcher boxes;
         MainWindow w;
         QVERIFY2(opensForReplay(w, boxes, path), qPrintable(replayFailure(boxes)));
+        // The clock stands still until the test moves it: the first row, due at once, is shown.
+        const bw::Timestamp shownFirst = w.input()->replayTimestamp(0);
+        WAIT_OR_FAIL(w.input()->shownFrameTimestamp() == shownFirst, "the first row is not shown",
+                     kWaitMs);
         choose(w.replayControls()->findChild<QComboBox*>(), speed);
         if (QTest::currentTestFailed()) return;
 
         // Twenty recorded seconds' worth of virtual time.
         const std::uint64_t startNs = bw::sim::Clock::nowNs();
-        const bw::Timestamp shownFirst = w.input()->shownFrameTimestamp();
         const std::uint64_t endNs = startNs + static_cast<std::uint64_t>(20e9 / factor);
         bw::sim::Clock::setAutoAdvanceLimit(endNs);
         // The clock stops at the last row due before the end: within a row's period of it.
