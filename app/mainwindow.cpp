@@ -171,6 +171,7 @@ void MainWindow::createLiveInput() {
     startSensorViews(session.model());
     noCamera = false;
     unsetCursor();
+    tellIfCutShort(selected.recording);
 }
 
 void MainWindow::fillTimeRanges() {
@@ -254,6 +255,8 @@ void MainWindow::reset() {
 }
 
 void MainWindow::cameraDisconnected() {
+    const bool replayUnreadable =
+        session.input() != nullptr && session.input()->replayBecameUnreadable();
     noCamera = true;
     if (recording) stopRecording();
     disconnectSignals();
@@ -262,6 +265,7 @@ void MainWindow::cameraDisconnected() {
     reset();
     displayDefaultValues();
     initCharts();
+    if (replayUnreadable) endUnreadableReplay(selected.recording);
     if (detectMultipleDevice() == 0)
         detectTimer = makeTimer(kDetectPeriodMs, &MainWindow::detectMultipleDevice);
 }

@@ -120,6 +120,8 @@ private:
     void showReplayState();
     void showReplayPosition();
     void refuseRecording(const QString& path);
+    void tellIfCutShort(const QString& path);
+    void endUnreadableReplay(const QString& path);
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
@@ -162,6 +164,7 @@ private:
     QString selectedModelName;
     QStringList recordings;           // given on the command line or dropped, newest first
     QStringList refusedRecordings;    // not listed again
+    QStringList toldCutShort;         // opened before: the user knows if they end damaged
     ReplayBar* replayBar = nullptr;   // shown while a recording is open
     bw::Timestamp replayStartNs = 0;  // recorded time of the first frame
     bool detecting = false;           // the camera list is being rebuilt

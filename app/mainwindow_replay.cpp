@@ -7,6 +7,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QTimer>
+#include <limits>
 
 #include "InputThreadModul.h"
 #include "RecordingFile.h"
@@ -30,6 +31,13 @@ QBoxLayout* boxHolding(QLayout* layout, QWidget* widget) {
 bool isRecordingFile(const QString& path) {
     const QFileInfo file(path);
     return file.suffix().compare(QLatin1String("csv"), Qt::CaseInsensitive) == 0 && !file.isDir();
+}
+
+// "Line 12: The row has ..." or, for the file as a whole, the text alone.
+QString whereAndWhat(const recording::Problem& problem) {
+    const QString what = QString::fromStdString(problem.text);
+    return problem.line > 0 ? MainWindow::tr("Line %1: %2").arg(QString::number(problem.line), what)
+                            : what;
 }
 
 QStringList recordingsIn(const QMimeData* data) {
@@ -71,7 +79,9 @@ void MainWindow::openRecordings(const QStringList& paths) {
     for (const QString& path : paths) {
         const QString absolute = QFileInfo(path).absoluteFilePath();
         recordings.removeAll(absolute);
-        refusedRecordings.removeAll(absolute);  // asked for again: try again
+        // Asked for again: try again, and tell again what is wrong with it.
+        refusedRecordings.removeAll(absolute);
+        toldCutShort.removeAll(absolute);
         added << absolute;
     }
     if (added.isEmpty()) return;
@@ -128,14 +138,44 @@ void MainWindow::refuseRecording(const QString& path) {
     recordings.removeAll(path);
     if (!refusedRecordings.contains(path)) refusedRecordings << path;
     recording::Problem problem;
-    if (recording::RecordingFile::open(path.toStdString(), problem)) {
-        problem.text = "The camera layer could not open it.";
+    QString why;
+    if (const auto file = recording::RecordingFile::open(path.toStdString(), problem)) {
+        // The replay position is an int.
+        why = file->rowCount() > std::numeric_limits<int>::max()
+                  ? tr("It has %1 rows, more than a replay can hold.").arg(file->rowCount())
+                  : tr("The camera layer could not open it.");
+    } else {
+        why = whereAndWhat(problem);
     }
-    const QString where = problem.line > 0 ? tr("Line %1: ").arg(problem.line) : QString();
-    showMessage(
-        QMessageBox::Warning, tr("Replay"),
-        tr("%1 cannot be replayed.\n%2%3")
-            .arg(QDir::toNativeSeparators(path), where, QString::fromStdString(problem.text)));
+    showMessage(QMessageBox::Warning, tr("Replay"),
+                tr("%1 cannot be replayed.\n%2").arg(QDir::toNativeSeparators(path), why));
+}
+
+// A recording whose writer died ends in a damaged line; it replays up to there. The user hears
+// of it the first time it opens, which reads the file once more to find the line.
+void MainWindow::tellIfCutShort(const QString& path) {
+    if (path.isEmpty() || toldCutShort.contains(path)) return;
+    toldCutShort << path;
+    recording::Problem problem;
+    const auto file = recording::RecordingFile::open(path.toStdString(), problem);
+    if (!file || !file->cutShort()) return;
+    showMessage(QMessageBox::Information, tr("Replay"),
+                tr("%1 ends in a damaged line, as a recording does whose writer stopped "
+                   "mid-row. The %2 rows before it are replayed.\n%3")
+                    .arg(QDir::toNativeSeparators(path), QString::number(file->rowCount()),
+                         whereAndWhat(*file->cutShort())));
+}
+
+// The open recording could not be read any more. It is not listed again until asked for again.
+void MainWindow::endUnreadableReplay(const QString& path) {
+    recordings.removeAll(path);
+    if (!refusedRecordings.contains(path)) refusedRecordings << path;
+    recording::Problem problem;
+    const auto file = recording::RecordingFile::open(path.toStdString(), problem);
+    const QString why = file ? tr("It was changed while it was replayed.") : whereAndWhat(problem);
+    showMessage(QMessageBox::Warning, tr("Replay"),
+                tr("%1 could not be read any more; the replay has ended.\n%2")
+                    .arg(QDir::toNativeSeparators(path), why));
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

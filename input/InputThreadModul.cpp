@@ -237,7 +237,9 @@ void InputThreadModul::run() {
     while (running && !quit) {
         bw::gpu::makeContextCurrent(cudaContext);
         const int result = grabOnce(singleSensor);
-        if (result == bw::CAMERA_NOT_DETECTED) {
+        const bool unreadable = isFile && result == bw::INVALID_RECORDING_FILE;
+        if (result == bw::CAMERA_NOT_DETECTED || unreadable) {
+            replayUnreadable = unreadable;
             running = false;
             opened = false;
             isFile = false;

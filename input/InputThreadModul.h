@@ -42,6 +42,9 @@ public:
     // Replay of a recording opened with replay(). The position is the replay slider's value:
     // the grab loop moves it on while playing; seekReplay() moves it and the camera at once.
     bool isReplaying() const { return isFile; }
+    // The replayed recording could no longer be read (changed or cut after it was opened): the
+    // grab loop stopped and reported the camera lost.
+    bool replayBecameUnreadable() const { return replayUnreadable; }
     int replayPosition() const { return replaySlider; }
     int replayFrameCount() const { return frameCount; }
     void seekReplay(int frame);
@@ -91,6 +94,7 @@ private:
     std::atomic<bool> running{false};
     std::atomic<bool> opened{false};
     std::atomic<bool> isFile{false};
+    std::atomic<bool> replayUnreadable{false};
     std::atomic<bool> quit{false};
     std::atomic<bool> lossReported{false};
     std::uint64_t imageWidth = 0;

@@ -1,6 +1,7 @@
 #include "LineSource.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -8,15 +9,53 @@
 
 namespace recording {
 
-LineSource::~LineSource() {
+LineSource::~LineSource() { close(); }
+
+void LineSource::close() {
     if (fd_ >= 0) ::close(fd_);
+    fd_ = -1;
 }
 
-bool LineSource::open(const std::string& path) {
-    fd_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd_ < 0) return false;
+namespace {
+
+// What a path that is not a regular file is.
+LineSource::Opening kindOf(mode_t mode) {
+    if (S_ISDIR(mode)) return LineSource::Opening::FOLDER;
+    if (S_ISFIFO(mode)) return LineSource::Opening::NAMED_PIPE;
+    if (S_ISSOCK(mode)) return LineSource::Opening::SOCKET;
+    return LineSource::Opening::DEVICE;
+}
+
+}  // namespace
+
+LineSource::Opening LineSource::open(const std::string& path) {
+    close();
+    // Without O_NONBLOCK, opening a named pipe waits for a writer, possibly forever. The flag
+    // changes nothing for the regular files that are read.
+    fd_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat info {};
+    if (fd_ < 0) {
+        // Sockets, and folders or devices without read permission, cannot be opened; say what
+        // they are rather than why opening failed.
+        const int reason = errno;
+        if (::stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) return kindOf(info.st_mode);
+        errno = reason;
+        return reason == ENOENT ? Opening::NOT_FOUND : Opening::FAILED;
+    }
+    // The descriptor rather than the path is asked, so that a file swapped in between cannot
+    // slip by.
+    if (::fstat(fd_, &info) != 0) {
+        const int reason = errno;
+        close();
+        errno = reason;
+        return Opening::FAILED;
+    }
+    if (!S_ISREG(info.st_mode)) {
+        close();
+        return kindOf(info.st_mode);
+    }
     buffer_.resize(kBufferBytes);
-    return true;
+    return Opening::OPENED;
 }
 
 bool LineSource::seek(std::uint64_t offset) {
@@ -76,6 +115,7 @@ bool LineSource::next(std::string_view& line) {
             if (length > 0 && buffer_[stop - 1] == '\r') --length;
             line = std::string_view(buffer_.data() + begin_, length);
             begin_ = stop + 1;
+            lineEnded_ = true;
             return true;
         }
         const std::size_t scanned = end_ - begin_;
@@ -83,9 +123,12 @@ bool LineSource::next(std::string_view& line) {
         searched = begin_ + scanned;
     }
     if (tooLong_ || failed_ || begin_ == end_) return false;
-    // The last line has no line end.
-    line = std::string_view(buffer_.data() + begin_, end_ - begin_);
+    // The last line has no line end, or only the start of a "\r\n" one.
+    std::size_t length = end_ - begin_;
+    if (buffer_[end_ - 1] == '\r') --length;
+    line = std::string_view(buffer_.data() + begin_, length);
     begin_ = end_;
+    lineEnded_ = false;
     return true;
 }
 

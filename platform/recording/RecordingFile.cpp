@@ -1,16 +1,14 @@
 #include "RecordingFile.h"
 
-#include <sys/stat.h>
-
 #include <cerrno>
 #include <charconv>
 #include <cstring>
 
+#include "Excerpt.h"
+
 namespace recording {
 
 namespace {
-
-std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 std::string_view trimmed(std::string_view text) {
     while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
@@ -18,9 +16,11 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 
+bool endsWithComma(std::string_view line) { return !line.empty() && line.back() == ','; }
+
 // Rows end every value with a comma; the last one is not the start of another value.
 std::string_view withoutTrailingComma(std::string_view line) {
-    if (!line.empty() && line.back() == ',') line.remove_suffix(1);
+    if (endsWithComma(line)) line.remove_suffix(1);
     return line;
 }
 
@@ -48,41 +48,65 @@ NumberShape shapeOf(std::string_view text) {
     return digits > 0 ? NumberShape::FIXED : NumberShape::NOT_A_NUMBER;
 }
 
-double parsed(std::string_view text) {
-    double value = 0.0;
-    std::from_chars(text.data(), text.data() + text.size(), value);
-    return value;
+// The number in `text`; false when from_chars cannot read all of it (out of range included).
+bool readNumber(std::string_view text, double& value) {
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    return error == std::errc() && stop == end;
 }
 
-std::string problemWithValue(int field, std::string_view title, std::string_view text,
-                             NumberShape shape) {
-    const std::string which =
-        "Value " + std::to_string(field + 1) + " (" + std::string(title) + ")";
-    switch (shape) {
+// A fixed-point text this short is within a double's range: below 1e300 and, when not zero,
+// above 1e-300. Only longer ones need reading to know.
+constexpr std::size_t kLongestSurelyInRange = 300;
+
+// Why `text` is not a value as the recorder writes it, phrased to follow the value's name; empty
+// when it is one.
+std::string whyNotAValue(std::string_view text) {
+    switch (shapeOf(text)) {
         case NumberShape::EMPTY:
-            return which + " is empty.";
+            return "is empty.";
         case NumberShape::SCIENTIFIC:
-            return which + " " + quoted(text) +
+            return quotedExcerptOf(text) +
                    " is in scientific notation; recordings hold fixed-point numbers.";
-        default:
-            return which + " " + quoted(text) + " is not a number.";
+        case NumberShape::NOT_A_NUMBER:
+            return quotedExcerptOf(text) + " is not a number.";
+        case NumberShape::FIXED:
+            break;
     }
+    double value = 0.0;
+    if (text.size() > kLongestSurelyInRange && !readNumber(text, value))
+        return quotedExcerptOf(text) + " is out of the range of a double-precision number.";
+    return {};
+}
+
+std::string problemWithValue(std::size_t field, std::string_view title, const std::string& why) {
+    return "Value " + std::to_string(field + 1) + " (" + std::string(title) + ") " + why;
 }
 
 std::string cannotRead() {
     return std::string("The file cannot be read: ") + std::strerror(errno) + ".";
 }
 
-// Why the file cannot be read at all; empty when it can.
-std::string problemReaching(const std::string& path) {
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) {
-        return errno == ENOENT
-                   ? "The file does not exist."
-                   : std::string("The file cannot be read: ") + std::strerror(errno) + ".";
+// Why the path cannot be read as a file; empty when it was opened.
+std::string problemOpening(LineSource::Opening opening) {
+    using Opening = LineSource::Opening;
+    switch (opening) {
+        case Opening::OPENED:
+            return {};
+        case Opening::NOT_FOUND:
+            return "The file does not exist.";
+        case Opening::FOLDER:
+            return "This is a folder.";
+        case Opening::NAMED_PIPE:
+            return "This is a named pipe, not a file; only files can be replayed.";
+        case Opening::DEVICE:
+            return "This is a device, not a file; only files can be replayed.";
+        case Opening::SOCKET:
+            return "This is a socket, not a file; only files can be replayed.";
+        case Opening::FAILED:
+            break;
     }
-    if (S_ISDIR(info.st_mode)) return "This is a folder.";
-    return {};
+    return cannotRead();
 }
 
 }  // namespace
@@ -90,15 +114,17 @@ std::string problemReaching(const std::string& path) {
 std::unique_ptr<RecordingFile> RecordingFile::open(const std::string& path, Problem& problem) {
     std::unique_ptr<RecordingFile> file(new RecordingFile);
     file->path_ = path;
-    std::string unreachable = problemReaching(path);
-    if (unreachable.empty() && !file->lines_.open(path)) unreachable = cannotRead();
-    if (!unreachable.empty()) {
-        problem = {0, unreachable};
+    if (!file->openLines(problem) || !file->readHeader(problem) || !file->scanRows(problem))
         return nullptr;
-    }
-    if (!file->readHeader(problem) || !file->scanRows(problem)) return nullptr;
     file->nextRow_ = -1;
     return file;
+}
+
+bool RecordingFile::openLines(Problem& problem) {
+    const std::string unreadable = problemOpening(lines_.open(path_));
+    if (unreadable.empty()) return true;
+    problem = {0, unreadable};
+    return false;
 }
 
 bool RecordingFile::readHeader(Problem& problem) {
@@ -121,36 +147,42 @@ bool RecordingFile::readHeader(Problem& problem) {
             return false;
         }
         if (!column) {
-            problem = {1, "Unknown column " + quoted(title) + " in the header."};
+            problem = {1, "Unknown column " + quotedExcerptOf(title) + " in the header."};
             return false;
         }
         if (present_.test(static_cast<std::size_t>(*column))) {
-            problem = {1, "The column " + quoted(title) + " appears twice in the header."};
+            problem = {1, "The column " + quotedExcerptOf(title) + " appears twice in the header."};
             return false;
         }
-        if (*column == Column::IMU_TIME) imuTimeField_ = static_cast<int>(columns_.size());
+        if (*column == Column::IMU_TIME) imuTimeField_ = columns_.size();
         present_.set(static_cast<std::size_t>(*column));
         columns_.push_back(*column);
         if (comma == std::string_view::npos) break;
         rest.remove_prefix(comma + 1);
     }
-    if (imuTimeField_ < 0) {
+    if (!has(Column::IMU_TIME)) {
         problem = {1, "The header has no imu_Timestamp[sec] column, by which rows are replayed."};
         return false;
     }
-    firstRowOffset_ = lines_.offset();
     return true;
 }
 
 bool RecordingFile::scanRows(Problem& problem) {
     std::string_view line;
-    int lineNumber = 1;
+    std::int64_t lineNumber = 1;
     for (;;) {
         const std::uint64_t offset = lines_.offset();
         if (!lines_.next(line)) break;
         ++lineNumber;
+        switch (checkRow(line, lineNumber, problem)) {
+            case RowCheck::SOUND:
+                break;
+            case RowCheck::DAMAGED:
+                return endsAtDamage(problem);
+            case RowCheck::WRONG:
+                return false;
+        }
         if (rowCount_ % kRowsPerMark == 0) marks_.push_back(offset);
-        if (!checkRow(line, lineNumber, problem)) return false;
         ++rowCount_;
     }
     if (lines_.tooLong()) {
@@ -168,32 +200,46 @@ bool RecordingFile::scanRows(Problem& problem) {
     return true;
 }
 
-bool RecordingFile::checkRow(std::string_view line, int lineNumber, Problem& problem) {
+// A damaged line that ends the file is where its writer stopped: the rows before it replay.
+// Anything after it means the file is damaged inside, and it is refused with `damage`.
+bool RecordingFile::endsAtDamage(const Problem& damage) {
+    std::string_view after;
+    const bool isLastLine = !lines_.next(after) && !lines_.tooLong() && !lines_.failed();
+    if (!isLastLine || rowCount_ == 0) return false;
+    cutShort_ = damage;
+    return true;
+}
+
+// Checks one row and, when it is sound, takes in its IMU time. A damaged row is one such as a
+// writer that stopped mid-row, or a disk that lost the end of the file, leaves behind: blank,
+// with values missing or garbled, or broken off. Anything else wrong is the file's content.
+RecordingFile::RowCheck RecordingFile::checkRow(std::string_view line, std::int64_t lineNumber,
+                                                Problem& problem) {
+    if (trimmed(line).empty()) {
+        problem = {lineNumber, "The line is blank."};
+        return RowCheck::DAMAGED;
+    }
     const std::string_view values = withoutTrailingComma(line);
-    const int expected = static_cast<int>(columns_.size());
-    int field = 0;
+    const std::size_t expected = columns_.size();
+    std::size_t field = 0;
     std::size_t begin = 0;
+    double imuTime = 0.0;
+    std::string_view imuText;
     for (;;) {
         const std::size_t comma = values.find(',', begin);
         const std::string_view text = values.substr(begin, comma - begin);
         if (field < expected) {
-            const NumberShape shape = shapeOf(text);
-            if (shape != NumberShape::FIXED) {
-                problem = {
-                    lineNumber,
-                    problemWithValue(field, titleOf(columns_[static_cast<std::size_t>(field)]),
-                                     text, shape)};
-                return false;
+            const std::string why = whyNotAValue(text);
+            if (!why.empty()) {
+                problem = {lineNumber, problemWithValue(field, titleOf(columns_[field]), why)};
+                const NumberShape shape = shapeOf(text);
+                return shape == NumberShape::EMPTY || shape == NumberShape::NOT_A_NUMBER
+                           ? RowCheck::DAMAGED
+                           : RowCheck::WRONG;
             }
             if (field == imuTimeField_) {
-                const double time = parsed(text);
-                if (rowCount_ > 0 && time < lastImuTime_) {
-                    problem = {lineNumber, "The IMU timestamp " + std::string(text) +
-                                               " goes back from the line before."};
-                    return false;
-                }
-                if (rowCount_ == 0) firstImuTime_ = time;
-                lastImuTime_ = time;
+                readNumber(text, imuTime);  // a value that passed whyNotAValue() reads
+                imuText = text;
             }
         }
         ++field;
@@ -204,39 +250,62 @@ bool RecordingFile::checkRow(std::string_view line, int lineNumber, Problem& pro
         problem = {lineNumber, "The row has " + std::to_string(field) +
                                    " values where the header has " + std::to_string(expected) +
                                    " columns."};
-        return false;
+        return field < expected ? RowCheck::DAMAGED : RowCheck::WRONG;
+    }
+    if (rowCount_ > 0 && imuTime < lastImuTime_) {
+        problem = {lineNumber,
+                   "The IMU timestamp " + excerptOf(imuText) + " goes back from the line before."};
+        return RowCheck::WRONG;
+    }
+    // The recorder ends every value with a comma and the row with a line end; a line that has
+    // neither stopped where its writer did, possibly inside its last value.
+    if (!lines_.lineEnded() && !endsWithComma(line)) {
+        problem = {lineNumber,
+                   "The line breaks off without a line end; its last value may be cut."};
+        return RowCheck::DAMAGED;
+    }
+    if (rowCount_ == 0) firstImuTime_ = imuTime;
+    lastImuTime_ = imuTime;
+    return RowCheck::SOUND;
+}
+
+bool RecordingFile::parseRow(std::string_view line, Row& row) const {
+    const std::string_view values = withoutTrailingComma(line);
+    std::size_t begin = 0;
+    std::size_t field = 0;
+    for (;;) {
+        const std::size_t comma = values.find(',', begin);
+        if (field == columns_.size()) return false;
+        double value = 0.0;
+        if (!readNumber(values.substr(begin, comma - begin), value)) return false;
+        row.values[static_cast<std::size_t>(columns_[field])] = value;
+        ++field;
+        if (comma == std::string_view::npos) break;
+        begin = comma + 1;
+    }
+    return field == columns_.size();
+}
+
+bool RecordingFile::seekToRow(std::int64_t index) {
+    const std::int64_t mark = index / kRowsPerMark;
+    if (!lines_.seek(marks_[static_cast<std::size_t>(mark)])) return false;
+    std::string_view skipped;
+    for (std::int64_t i = mark * kRowsPerMark; i < index; ++i) {
+        if (!lines_.next(skipped)) return false;
     }
     return true;
 }
 
-void RecordingFile::parseRow(std::string_view line, Row& row) const {
-    row.values.fill(0.0);
-    const std::string_view values = withoutTrailingComma(line);
-    std::size_t begin = 0;
-    for (const Column column : columns_) {
-        const std::size_t comma = values.find(',', begin);
-        row.values[static_cast<std::size_t>(column)] = parsed(values.substr(begin, comma - begin));
-        if (comma == std::string_view::npos) break;
-        begin = comma + 1;
-    }
-}
-
-bool RecordingFile::read(int index, Row& row) {
+bool RecordingFile::read(std::int64_t index, Row& row) {
     if (index < 0 || index >= rowCount_) return false;
-    if (index != nextRow_) {
-        const int mark = index / kRowsPerMark;
-        if (!lines_.seek(marks_[static_cast<std::size_t>(mark)])) return false;
-        std::string_view skipped;
-        for (int i = mark * kRowsPerMark; i < index; ++i) {
-            if (!lines_.next(skipped)) return false;
-        }
-    }
+    const bool inOrder = index == nextRow_;
+    // Where the lines stand is known again only once a row was read whole.
+    nextRow_ = -1;
+    if (!inOrder && !seekToRow(index)) return false;
     std::string_view line;
-    if (!lines_.next(line)) {
-        nextRow_ = -1;
-        return false;
-    }
-    parseRow(line, row);
+    Row parsed;
+    if (!lines_.next(line) || !parseRow(line, parsed)) return false;
+    row = parsed;
     nextRow_ = index + 1;
     return true;
 }

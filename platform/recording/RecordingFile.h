@@ -3,12 +3,18 @@
 //
 // Opening reads the whole file once to check it and to note where every 1024th row starts; rows
 // are then read on demand through one buffer. Memory does not grow with the file's length.
+//
+// A recording whose writer died (a crash, a SIGKILL, a power loss) may end in a partly written
+// row, or in a blank line. Such a file opens with the rows before that line and says so through
+// cutShort(); damage anywhere before the last line refuses the file, and so does a last row that
+// is whole but wrong (its timestamp going back, say).
 #pragma once
 
 #include <array>
 #include <bitset>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,9 +23,10 @@
 
 namespace recording {
 
-// Why a file is not a recording. Line 0 means the file as a whole.
+// Why a file is not a recording, or what is wrong with its last line. Line 0 means the file as a
+// whole.
 struct Problem {
-    int line = 0;
+    std::int64_t line = 0;
     std::string text;
 };
 
@@ -35,33 +42,42 @@ public:
 
     const std::string& path() const { return path_; }
     bool has(Column column) const { return present_.test(static_cast<std::size_t>(column)); }
-    int rowCount() const { return rowCount_; }
+    std::int64_t rowCount() const { return rowCount_; }
     double firstImuTime() const { return firstImuTime_; }
     double lastImuTime() const { return lastImuTime_; }
+    // The damaged last line that opening left out, if there was one: its line number and what
+    // is wrong with it. The rows before it are the file's rows.
+    const std::optional<Problem>& cutShort() const { return cutShort_; }
 
     // Row `index` (0 = the first after the header). Reading the row after the last one read is
     // the cheap case; any other index goes through the row index. Columns the file lacks read 0.
-    bool read(int index, Row& row);
+    // False, with `row` untouched, when the row can no longer be read as it was when the file
+    // was opened (the file was changed or cut meanwhile, or a read failed).
+    bool read(std::int64_t index, Row& row);
 
 private:
-    static constexpr int kRowsPerMark = 1024;
+    static constexpr std::int64_t kRowsPerMark = 1024;
 
     RecordingFile() = default;
+    bool openLines(Problem& problem);
     bool readHeader(Problem& problem);
     bool scanRows(Problem& problem);
-    bool checkRow(std::string_view line, int lineNumber, Problem& problem);
-    void parseRow(std::string_view line, Row& row) const;
+    enum class RowCheck { SOUND, DAMAGED, WRONG };
+    RowCheck checkRow(std::string_view line, std::int64_t lineNumber, Problem& problem);
+    bool endsAtDamage(const Problem& damage);
+    bool seekToRow(std::int64_t index);
+    bool parseRow(std::string_view line, Row& row) const;
 
     std::string path_;
     LineSource lines_;
     std::vector<Column> columns_;  // in the file's order
     std::bitset<kColumnCount> present_;
-    int imuTimeField_ = -1;
-    int rowCount_ = 0;
+    std::size_t imuTimeField_ = 0;
+    std::int64_t rowCount_ = 0;
     double firstImuTime_ = 0.0, lastImuTime_ = 0.0;
-    std::uint64_t firstRowOffset_ = 0;
+    std::optional<Problem> cutShort_;
     std::vector<std::uint64_t> marks_;  // byte offset of rows 0, 1024, 2048, ...
-    int nextRow_ = -1;                  // the row lines_ stands at; -1: unknown
+    std::int64_t nextRow_ = -1;         // the row lines_ stands at; -1: unknown
 };
 
 }  // namespace recording

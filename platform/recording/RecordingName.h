@@ -12,7 +12,8 @@ struct NamedCamera {
     unsigned serial = 0;
 };
 
-// None when the name does not follow the pattern.
+// None when the name is not of that shape, exactly: fifteen digits of date and time, a model
+// text of letters, digits and underscores, a decimal serial number.
 std::optional<NamedCamera> cameraNamedIn(const std::string& path);
 
 // The file name without its folder.

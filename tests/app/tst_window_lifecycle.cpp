@@ -10,6 +10,7 @@
 #include "InputThreadModul.h"
 #include "MessageBoxWatcher.h"
 #include "SimulatedCameras.h"
+#include "WaitOrFail.h"
 #include "WidgetTestMain.h"
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
@@ -19,6 +20,8 @@ namespace {
 using bw::MODEL;
 
 constexpr int kOpenTimeoutMs = 5000;
+// Polls come every 200 ms; three take 600 ms.
+constexpr int kSlowestThreePollsMs = 3000;
 
 bool isSamplingCamera(MainWindow& w) { return w.input() != nullptr && w.isSampling(); }
 
@@ -94,7 +97,7 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(&w));
         QVERIFY(w.width() >= 1280 && w.height() >= 800);
         PollCounter polls(w);
-        QTRY_VERIFY_WITH_TIMEOUT(polls.count() >= 4, kOpenTimeoutMs);
+        WAIT_OR_FAIL(polls.count() >= 4, "fewer than 4 polls", kOpenTimeoutMs);
         auto* list = w.form()->comboBox_camera_list;
         QCOMPARE(list->count(), 1);
         QCOMPARE(list->itemText(0), QStringLiteral("No cameras"));
@@ -111,7 +114,7 @@ private slots:
         QVERIFY(polls.waitForNext());
         const int pollsBeforePlug = polls.count();
         bw::sim::Bus::instance().plug(simulatedCamera(MODEL::ORYX_D));
-        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        WAIT_OR_FAIL(isSamplingCamera(w), "the camera did not open", kOpenTimeoutMs);
         // The list shown is one poll old: a poll must have seen the camera first.
         QVERIFY(polls.count() - pollsBeforePlug >= 1);
         QCOMPARE(w.form()->comboBox_camera_list->itemText(0),
@@ -140,7 +143,7 @@ private slots:
         PacedVirtualTime time({simulatedCamera(static_cast<MODEL>(model))});
         MainWindow w;
         w.show();
-        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        WAIT_OR_FAIL(isSamplingCamera(w), "the camera did not open", kOpenTimeoutMs);
         QCOMPARE(unsigned(model), w.input()->getModel());
         QCOMPARE(!w.form()->pushButton_baro->isHidden(), baro);
         QCOMPARE(!w.form()->pushButton_mag->isHidden(), mag);
@@ -163,7 +166,7 @@ private slots:
         MessageBoxWatcher boxes;
         MainWindow w;
         w.show();
-        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        WAIT_OR_FAIL(isSamplingCamera(w), "the camera did not open", kOpenTimeoutMs);
         QCOMPARE(boxes.shown().size(), warned ? 1 : 0);
         if (warned) QVERIFY(boxes.shown().first().text.contains("firmware needs to be updated"));
     }
@@ -175,7 +178,7 @@ private slots:
         MessageBoxWatcher boxes;
         MainWindow w;
         w.show();
-        QTRY_VERIFY_WITH_TIMEOUT(!boxes.shown().isEmpty(), kOpenTimeoutMs);
+        WAIT_OR_FAIL(!boxes.shown().isEmpty(), "no message box", kOpenTimeoutMs);
         QVERIFY(boxes.shown().first().text.startsWith("Not enough GPU memory"));
         QTest::qWait(500);
         QVERIFY(w.input() != nullptr);
@@ -193,14 +196,14 @@ private slots:
         MainWindow w;
         w.show();
         PollCounter polls(w);
-        QTRY_VERIFY_WITH_TIMEOUT(polls.count() >= 5, kOpenTimeoutMs);
+        WAIT_OR_FAIL(polls.count() >= 5, "fewer than 5 polls", kOpenTimeoutMs);
         QVERIFY(boxes.shown().isEmpty());
         QVERIFY(w.input() == nullptr);
         QVERIFY(w.isDetecting());
         // Once the camera opens again, the retries succeed.
         bw::sim::Faults healthy;
         bw::sim::Bus::instance().setFaults(camera.serial, healthy);
-        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        WAIT_OR_FAIL(isSamplingCamera(w), "the camera did not open", kOpenTimeoutMs);
     }
 
     // The first unplug tears down once and clears the readout; a replug opens again, and a
@@ -210,16 +213,17 @@ private slots:
         PacedVirtualTime time({camera});
         MainWindow w;
         w.show();
-        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
-        QTRY_VERIFY_WITH_TIMEOUT(w.form()->lineEdit_value_2->text().startsWith("Z "),
-                                 kOpenTimeoutMs);
+        WAIT_OR_FAIL(isSamplingCamera(w), "the camera did not open", kOpenTimeoutMs);
+        WAIT_OR_FAIL(w.form()->lineEdit_value_2->text().startsWith("Z "),
+                     "the readout shows no Z value", kOpenTimeoutMs);
         std::atomic<int> lossReports{0};
         connect(
             w.input(), &InputThreadModul::DetectORYXDisconnect, this, [&] { ++lossReports; },
             Qt::DirectConnection);
 
+        PollCounter polls(w);
         bw::sim::Bus::instance().unplug(camera.serial);
-        QTRY_VERIFY_WITH_TIMEOUT(w.isDetecting(), kOpenTimeoutMs);
+        WAIT_OR_FAIL(w.isDetecting(), "the unplugged camera was not let go", kOpenTimeoutMs);
         QVERIFY(w.input() == nullptr);
         QVERIFY(!w.isSampling());
         QVERIFY(w.hasNoCamera());
@@ -227,34 +231,77 @@ private slots:
              {w.form()->lineEdit_value_0, w.form()->lineEdit_value_1, w.form()->lineEdit_value_2})
             QCOMPARE(field->text(), QStringLiteral("---"));
         QCOMPARE(w.form()->label_sensor_rate->text(), QStringLiteral("---"));
-        QTRY_COMPARE_WITH_TIMEOUT(w.form()->comboBox_camera_list->itemText(0),
-                                  QStringLiteral("No cameras"), kOpenTimeoutMs);
-        QTest::qWait(300);
+        WAIT_OR_FAIL(w.form()->comboBox_camera_list->itemText(0) == QStringLiteral("No cameras"),
+                     "the list does not say \"No cameras\"", kOpenTimeoutMs);
+        // Each cycle below waits for two polls: slow polling would make them take minutes.
+        const int pollsSinceUnplug = polls.count();
+        QVERIFY2(QTest::qWaitFor([&] { return polls.count() >= pollsSinceUnplug + 3; },
+                                 kSlowestThreePollsMs),
+                 qPrintable(QString("%1 polls in %2 ms without a camera")
+                                .arg(polls.count() - pollsSinceUnplug)
+                                .arg(kSlowestThreePollsMs)));
         QCOMPARE(lossReports.load(), 1);
 
         bw::sim::Bus::instance().replug(camera.serial);
-        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        WAIT_OR_FAIL(isSamplingCamera(w), "the replugged camera did not open", kOpenTimeoutMs);
 
         const int threads = threadCount();
         const int cycles = qEnvironmentVariableIntValue("ORYX_REPLUG_CYCLES") > 0
                                ? qEnvironmentVariableIntValue("ORYX_REPLUG_CYCLES")
                                : 100;
         for (int cycle = 1; cycle < cycles; ++cycle) {
+            const QByteArray which = "cycle " + QByteArray::number(cycle) + ": ";
             bw::sim::Bus::instance().unplug(camera.serial);
-            QTRY_VERIFY_WITH_TIMEOUT(w.isDetecting() && w.input() == nullptr, kOpenTimeoutMs);
+            WAIT_OR_FAIL(w.isDetecting() && w.input() == nullptr,
+                         (which + "the unplugged camera was not let go").constData(),
+                         kOpenTimeoutMs);
             QVERIFY(!w.isSampling());
             bw::sim::Bus::instance().replug(camera.serial);
-            QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+            WAIT_OR_FAIL(isSamplingCamera(w),
+                         (which + "the replugged camera did not open").constData(), kOpenTimeoutMs);
         }
-        QTRY_VERIFY_WITH_TIMEOUT(threadCount() <= threads, kOpenTimeoutMs);
+        WAIT_OR_FAIL(
+            threadCount() <= threads,
+            qPrintable(QString("%1 threads, %2 before the cycles").arg(threadCount()).arg(threads)),
+            kOpenTimeoutMs);
+    }
+
+    // The camera goes while the last poll saw none: the refresh polled while it was open, and
+    // an open camera is not available. The window's own poll then finds nothing, and it must
+    // keep polling by itself for a camera plugged in later.
+    void aCameraLostWhenTheLastPollSawNoneIsOpenedOncePluggedAgain() {
+        const bw::sim::DeviceConfig camera = simulatedCamera(MODEL::ORYX_D);
+        PacedVirtualTime time({camera});
+        MessageBoxWatcher boxes;
+        MainWindow w;
+        w.show();
+        WAIT_OR_FAIL(isSamplingCamera(w), qPrintable("the camera did not open; " + boxes.said()),
+                     kOpenTimeoutMs);
+        PollCounter polls(w);
+        WAIT_OR_FAIL(!w.detector().isRunning(), "a poll does not end", kOpenTimeoutMs);
+        const int pollsBefore = polls.count();
+        w.form()->pushButton_refresh_list->click();
+        WAIT_OR_FAIL(polls.count() > pollsBefore, "the refresh did not poll", kOpenTimeoutMs);
+
+        bw::sim::Bus::instance().unplug(camera.serial);
+        WAIT_OR_FAIL(w.input() == nullptr, "the unplugged camera was not let go", kOpenTimeoutMs);
+        // The path under test: the window's own poll had nothing to open.
+        QCOMPARE(listed(w), QStringList{"No cameras"});
+        bw::sim::Bus::instance().replug(camera.serial);
+        WAIT_OR_FAIL(
+            isSamplingCamera(w),
+            qPrintable(QString("the camera plugged in again did not open; %1 polls since the "
+                               "refresh")
+                           .arg(polls.count())),
+            kOpenTimeoutMs);
     }
 
     void closingWhileSamplingReleasesTheCamera() {
         PacedVirtualTime time({simulatedCamera(MODEL::ORYX_D)});
         MainWindow w;
         w.show();
-        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
-        QTRY_VERIFY_WITH_TIMEOUT(sampledRows(w) > 0, kOpenTimeoutMs);
+        WAIT_OR_FAIL(isSamplingCamera(w), "the camera did not open", kOpenTimeoutMs);
+        WAIT_OR_FAIL(sampledRows(w) > 0, "no rows sampled", kOpenTimeoutMs);
         w.close();
         QVERIFY(!w.isSampling());
         QVERIFY(w.input() == nullptr);
@@ -271,7 +318,7 @@ private slots:
                                simulatedCamera(MODEL::ORYX_C, 2)});
         MainWindow w;
         w.show();
-        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        WAIT_OR_FAIL(isSamplingCamera(w), "the camera did not open", kOpenTimeoutMs);
         QCOMPARE(listed(w), (QStringList{item(MODEL::ORYX_E, 1), item(MODEL::ORYX_C, 2),
                                          item(MODEL::ORYX_SOLO_A, 0)}));
         QCOMPARE(w.input()->getModel(), unsigned(MODEL::ORYX_E));
@@ -285,7 +332,7 @@ private slots:
             {simulatedCamera(MODEL::ORYX_D, 0), simulatedCamera(MODEL::ORYX_C, 1)});
         MainWindow w;
         w.show();
-        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        WAIT_OR_FAIL(isSamplingCamera(w), "the camera did not open", kOpenTimeoutMs);
         QCOMPARE(w.input()->getSerialNum(), serialOf(MODEL::ORYX_D, 0));
         auto* range = w.form()->comboBox_time_range;
         QCOMPARE(range->currentText(), QStringLiteral("Last 10 sec"));
@@ -302,7 +349,7 @@ private slots:
         QVERIFY2(items.contains(item(MODEL::ORYX_C, 1)), qPrintable(items.join(", ")));
 
         w.form()->comboBox_camera_list->setCurrentIndex(items.indexOf(item(MODEL::ORYX_C, 1)));
-        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        WAIT_OR_FAIL(isSamplingCamera(w), "the camera did not open", kOpenTimeoutMs);
         QCOMPARE(w.input()->getSerialNum(), serialOf(MODEL::ORYX_C, 1));
         QCOMPARE(range->currentText(), QStringLiteral("Last 10 sec"));
         // The first camera was let go.
@@ -321,7 +368,7 @@ private slots:
         QVERIFY(polls.waitForNext());
         // The last poll saw the camera: refreshing opens it without waiting for the timer.
         w.form()->pushButton_refresh_list->click();
-        QTRY_VERIFY_WITH_TIMEOUT(isSamplingCamera(w), kOpenTimeoutMs);
+        WAIT_OR_FAIL(isSamplingCamera(w), "the camera did not open", kOpenTimeoutMs);
     }
 };
 

@@ -35,6 +35,13 @@ public:
         for (const ShownMessage& box : shown_) n += box.text == text;
         return n;
     }
+    // What the boxes said, for a failure message: "no message box", or "Title: text" each.
+    QString said() const {
+        if (shown_.isEmpty()) return QStringLiteral("no message box");
+        QStringList boxes;
+        for (const ShownMessage& box : shown_) boxes << box.title + QStringLiteral(": ") + box.text;
+        return QStringLiteral("message boxes: ") + boxes.join(QStringLiteral(" | "));
+    }
 
 private:
     void answerOpenBoxes() {

@@ -16,6 +16,8 @@
 #include <QThreadPool>
 #include <QtTest>
 
+#include "UnansweredMessageBoxes.h"
+
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>
 #endif
@@ -51,12 +53,14 @@ inline void checkLeaksNow() {
 }  // namespace widget_test
 
 // QTEST_MAIN for QApplication tests, with the leak check described above. Pooled threads never
-// expire, so that none ends by itself while the world is stopped.
+// expire, so that none ends by itself while the world is stopped. A message box that no test
+// answers is closed after a while (UnansweredMessageBoxes.h).
 #define WIDGET_TEST_MAIN(TestObject)                         \
     int main(int argc, char* argv[]) {                       \
         QApplication app(argc, argv);                        \
         app.setAttribute(Qt::AA_Use96Dpi, true);             \
         QThreadPool::globalInstance()->setExpiryTimeout(-1); \
+        UnansweredMessageBoxes unansweredBoxes;              \
         TestObject test;                                     \
         QTEST_SET_MAIN_SOURCE_PATH                           \
         const int result = QTest::qExec(&test, argc, argv);  \

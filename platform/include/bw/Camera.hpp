@@ -31,7 +31,8 @@ public:
     void close();
     bool isOpened() const;
 
-    // Takes the next image. CAMERA_NOT_DETECTED once the camera is gone.
+    // Takes the next image. CAMERA_NOT_DETECTED once the camera is gone; INVALID_RECORDING_FILE
+    // when a replayed recording can no longer be read (it was changed or cut after opening).
     ERROR_CODE grab(const RuntimeParameters& parameters = RuntimeParameters());
     // Left image of the last grab.
     ERROR_CODE retrieveImage(ImageBGRA& image) const;

@@ -4,6 +4,8 @@
 #include <bw/sim/DeviceConfig.hpp>
 #include <chrono>
 #include <cmath>
+#include <limits>
+#include <string>
 
 #include "RecordingName.h"
 #include "ReplayRecord.hpp"
@@ -44,11 +46,18 @@ std::unique_ptr<ReplaySession> ReplaySession::open(const std::string& path,
                                                    recording::Problem& problem) {
     std::unique_ptr<recording::RecordingFile> file = recording::RecordingFile::open(path, problem);
     if (!file) return nullptr;
+    // Frames are counted in int, as the camera API's replay position is.
+    if (file->rowCount() > std::numeric_limits<int>::max()) {
+        problem = {0, "The recording has " + std::to_string(file->rowCount()) +
+                          " rows; a replay holds at most " +
+                          std::to_string(std::numeric_limits<int>::max()) + "."};
+        return nullptr;
+    }
     return std::unique_ptr<ReplaySession>(new ReplaySession(std::move(file)));
 }
 
 ReplaySession::ReplaySession(std::unique_ptr<recording::RecordingFile> file)
-    : file_(std::move(file)), frameCount_(file_->rowCount()) {
+    : file_(std::move(file)), frameCount_(static_cast<int>(file_->rowCount())) {
     model_ = modelWithSensorsOf(*file_);
     serial_ = DeviceConfig::defaultSerial(model_, 0);
     if (const auto named = recording::cameraNamedIn(file_->path())) {
@@ -95,7 +104,7 @@ ERROR_CODE ReplaySession::grab() {
         return SUCCESS;
     }
     SensorsData record;
-    if (!readFrame(frame, record)) return FAILURE;
+    if (!readFrame(frame, record)) return INVALID_RECORDING_FILE;
     const double seconds = static_cast<double>(record.imu.timestamp) / 1e9;
     const std::uint64_t due = dueNs(seconds);
     lock.unlock();
