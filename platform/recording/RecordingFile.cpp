@@ -5,18 +5,15 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <utility>
+
+#include "RecordingHeader.h"
 
 namespace recording {
 
 namespace {
 
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
-
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
-    return text;
-}
 
 // Rows end every value with a comma; the last one is not the start of another value.
 std::string_view withoutTrailingComma(std::string_view line) {
@@ -109,35 +106,14 @@ bool RecordingFile::readHeader(Problem& problem) {
                                                  : "The file is empty."};
         return false;
     }
-    std::string_view rest = withoutTrailingComma(trimmed(line));
-    for (;;) {
-        const std::size_t comma = rest.find(',');
-        const std::string_view title = trimmed(rest.substr(0, comma));
-        const std::optional<Column> column = columnTitled(title);
-        if (columns_.empty() && column != Column::INDEX) {
-            problem = {1,
-                       "The first line is not a sensor recording header: it must begin with "
-                       "\"idx,\"."};
-            return false;
-        }
-        if (!column) {
-            problem = {1, "Unknown column " + quoted(title) + " in the header."};
-            return false;
-        }
-        if (present_.test(static_cast<std::size_t>(*column))) {
-            problem = {1, "The column " + quoted(title) + " appears twice in the header."};
-            return false;
-        }
-        if (*column == Column::IMU_TIME) imuTimeField_ = static_cast<int>(columns_.size());
-        present_.set(static_cast<std::size_t>(*column));
-        columns_.push_back(*column);
-        if (comma == std::string_view::npos) break;
-        rest.remove_prefix(comma + 1);
-    }
-    if (imuTimeField_ < 0) {
-        problem = {1, "The header has no imu_Timestamp[sec] column, by which rows are replayed."};
+    RecordingHeader header;
+    if (std::string refusal = parseHeader(line, header); !refusal.empty()) {
+        problem = {1, std::move(refusal)};
         return false;
     }
+    columns_ = header.columns;
+    present_ = header.present;
+    imuTimeField_ = header.fieldOf(Column::IMU_TIME);
     firstRowOffset_ = lines_.offset();
     return true;
 }
