@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QLabel>
 #include <QMainWindow>
+#include <QPointer>
 #include <QVector>
 #include <atomic>
 #include <bw/sensors.hpp>
@@ -23,6 +24,7 @@
 #include "csvwriter.h"
 #include "recoptions.h"
 
+class ImuNoiseWindow;
 class InputThreadModul;
 class QDragEnterEvent;
 class QDropEvent;
@@ -62,6 +64,8 @@ public:
     // Recordings to replay, listed before the cameras; the first opens when nothing is open.
     void openRecordings(const QStringList& paths);
     ReplayBar* replayControls() const { return replayBar; }
+    // The IMU noise window of the replayed recording; null until the replay bar asks for it.
+    ImuNoiseWindow* imuNoise() const { return imuNoiseWindow; }
 
 public slots:
     void setContext();
@@ -118,6 +122,7 @@ private:
     void connectReplayBar();
     void showReplayState();
     void showReplayPosition();
+    void showImuNoise();
     void refuseRecording(const QString& path);
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -156,12 +161,13 @@ private:
     QVector<LiveCameraSession::Camera> listedCameras;
     LiveCameraSession::Camera selected;
     QString selectedModelName;
-    QStringList recordings;            // given on the command line or dropped, newest first
-    QStringList refusedRecordings;     // not listed again
-    ReplayBar* replayBar = nullptr;    // shown while a recording is open
-    bw::Timestamp replayStartNs = 0;   // recorded time of the first frame
-    bool detecting = false;      // the camera list is being rebuilt
-    bool noCamera = true;        // searching for cameras
+    QStringList recordings;                   // given on the command line or dropped, newest first
+    QStringList refusedRecordings;            // not listed again
+    ReplayBar* replayBar = nullptr;           // shown while a recording is open
+    QPointer<ImuNoiseWindow> imuNoiseWindow;  // a top-level child, of the last recording asked
+    bw::Timestamp replayStartNs = 0;          // recorded time of the first frame
+    bool detecting = false;                   // the camera list is being rebuilt
+    bool noCamera = true;                     // searching for cameras
     bool openingCamera = false;  // createLiveInput is running, possibly inside a message box
     DetectionThread detectionThread;
     LiveCameraSession session{detectionThread.mutex()};

@@ -8,6 +8,7 @@
 #include <QMimeData>
 #include <QTimer>
 
+#include "ImuNoiseWindow.h"
 #include "InputThreadModul.h"
 #include "RecordingFile.h"
 #include "ReplayBar.h"
@@ -64,6 +65,18 @@ void MainWindow::connectReplayBar() {
     connect(replayBar, &ReplayBar::speedChosen, this, [this](float factor) {
         if (InputThreadModul* module = session.input()) module->setReplaySpeed(factor);
     });
+    connect(replayBar, &ReplayBar::imuNoiseRequested, this, &MainWindow::showImuNoise);
+}
+
+// One window per recording: asking again brings it forward, another recording replaces it.
+void MainWindow::showImuNoise() {
+    if (selected.recording.isEmpty()) return;
+    if (imuNoiseWindow && imuNoiseWindow->recordingPath() != selected.recording)
+        delete imuNoiseWindow;
+    if (!imuNoiseWindow) imuNoiseWindow = new ImuNoiseWindow(selected.recording, this);
+    imuNoiseWindow->show();
+    imuNoiseWindow->raise();
+    imuNoiseWindow->activateWindow();
 }
 
 void MainWindow::openRecordings(const QStringList& paths) {

@@ -171,14 +171,6 @@ LoadResult loadImuRecording(const std::string& path, const std::function<bool(do
     }
     ImuSeries series;
     series.samples = scan.rowCount;
-    series.durationS = static_cast<double>(scan.imuTimeNs.back()) / kNsPerS;
-    if (series.durationS < kMinimumDurationS) {
-        result.refusal = format(
-            "The recording lasts %.0f s: the noise analysis needs at least "
-            "%.0f s, and an hour or more for the random walk.",
-            series.durationS, kMinimumDurationS);
-        return result;
-    }
     const Timing timing = checkTiming(scan.imuTimeNs);
     if (!timing.refusal.empty()) {
         result.refusal = timing.refusal;
@@ -186,6 +178,15 @@ LoadResult loadImuRecording(const std::string& path, const std::function<bool(do
     }
     series.rateHz = timing.rateHz;
     series.gaps = timing.gaps;
+    // Each sample stands for one period: n samples cover n periods.
+    series.durationS = static_cast<double>(scan.imuTimeNs.back()) / kNsPerS + 1.0 / series.rateHz;
+    if (series.durationS < kMinimumDurationS) {
+        result.refusal = format(
+            "The recording lasts %.0f s: the noise analysis needs at least "
+            "%.0f s, and an hour or more for the random walk.",
+            series.durationS, kMinimumDurationS);
+        return result;
+    }
     if (series.gaps.count > 0) {
         const std::string gaps = describeGaps(series.gaps, scan.rowCount);
         const double missing = static_cast<double>(series.gaps.missingSamples) /

@@ -19,12 +19,17 @@ constexpr double kInstabilityFactor = 0.664;
 
 struct Region {
     std::size_t first = 0, last = 0;  // inclusive
-    double span(const std::vector<AdevPoint>& curve) const {
-        return std::log10(curve[last].tau / curve[first].tau);
+    // What the region's points are worth together: the sum of their inverse variances.
+    double weight(const std::vector<AdevPoint>& curve) const {
+        double sum = 0.0;
+        for (std::size_t i = first; i <= last; ++i)
+            sum += 1.0 / std::pow(relativeError(curve[i].clusters), 2);
+        return sum;
     }
 };
 
-// The widest run of points whose local slope is near `slope`.
+// The best-determined run of points whose local slope is near `slope`: where noise breaks the
+// run at long cluster times, the part with more independent clusters wins.
 std::optional<Region> regionOf(const std::vector<AdevPoint>& curve,
                                const std::vector<double>& slopes, double slope) {
     std::optional<Region> best;
@@ -35,7 +40,7 @@ std::optional<Region> regionOf(const std::vector<AdevPoint>& curve,
         if (!inside && runStart) {
             const Region run{*runStart, i - 1};
             if (run.last - run.first + 1 >= kMinimumRegionPoints &&
-                (!best || run.span(curve) > best->span(curve)))
+                (!best || run.weight(curve) > best->weight(curve)))
                 best = run;
             runStart.reset();
         }

@@ -16,7 +16,6 @@ namespace recording {
 namespace {
 
 constexpr std::int64_t kNanoPerUnit = 1'000'000'000;
-constexpr std::uint64_t kChunkBytes = 8u << 20;
 constexpr int kMaxThreads = 16;
 
 // A value in billionths, as the recorder writes it: an optional minus, digits, optionally a
@@ -120,10 +119,11 @@ struct ChunkRows {
 class ChunkedScan {
 public:
     ChunkedScan(const std::string& path, RowLayout layout, FirstRow first, std::uint64_t dataBegin,
-                std::uint64_t fileSize)
+                std::uint64_t fileSize, std::uint64_t chunkBytes)
         : path_(path), layout_(std::move(layout)), first_(std::move(first)) {
         const std::uint64_t bytes = fileSize - dataBegin;
-        const std::uint64_t count = std::max<std::uint64_t>(1, bytes / kChunkBytes);
+        const std::uint64_t count =
+            std::max<std::uint64_t>(1, bytes / std::max<std::uint64_t>(1, chunkBytes));
         for (std::uint64_t i = 0; i <= count; ++i) bounds_.push_back(dataBegin + bytes * i / count);
         chunks_.resize(count);
         bytesPerRowGuess_ = 1;
@@ -328,7 +328,8 @@ ScanResult scanColumns(const std::string& path, const std::vector<Column>& wante
     struct stat info {};
     ::stat(path.c_str(), &info);
     ChunkedScan chunks(path, layout, first, dataBegin,
-                       std::max<std::uint64_t>(dataBegin, std::uint64_t(info.st_size)));
+                       std::max<std::uint64_t>(dataBegin, std::uint64_t(info.st_size)),
+                       options.chunkBytes);
     chunks.setRowLengthGuess(rowLength);
     bool cancelled = false;
     const bool finished = chunks.run(threadCount(options.threads), [&](double share) {

@@ -37,7 +37,8 @@ struct ColumnScan {
 };
 
 struct ScanOptions {
-    int threads = 0;  // 0: one per processor core
+    int threads = 0;                    // 0: one per processor core
+    std::size_t chunkBytes = 8u << 20;  // the share of the file one thread takes at a time
     // Called on the calling thread now and then with the share of the file read so far (0 to 1);
     // returning false cancels the scan.
     std::function<bool(double)> progress;
