@@ -65,7 +65,7 @@ public:
     void openRecordings(const QStringList& paths);
     ReplayBar* replayControls() const { return replayBar; }
     // The IMU noise window of the replayed recording; null until the replay bar asks for it.
-    ImuNoiseWindow* imuNoise() const { return imuNoiseWindow; }
+    ImuNoiseWindow* imuNoise() const;
 
 public slots:
     void setContext();

@@ -68,6 +68,8 @@ void MainWindow::connectReplayBar() {
     connect(replayBar, &ReplayBar::imuNoiseRequested, this, &MainWindow::showImuNoise);
 }
 
+ImuNoiseWindow* MainWindow::imuNoise() const { return imuNoiseWindow.data(); }
+
 // One window per recording: asking again brings it forward, another recording replaces it.
 void MainWindow::showImuNoise() {
     if (selected.recording.isEmpty()) return;

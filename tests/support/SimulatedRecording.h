@@ -87,7 +87,7 @@ inline long recordSimulatedCamera(bw::sim::DeviceConfig config, double seconds,
             bw::SensorsData data;
             bw::Timestamp last = 0;
             rows = 0;
-            while (last < end) {
+            for (;;) {
                 if (camera.getSensorsData(data, bw::TIME_REFERENCE::CURRENT) != bw::SUCCESS) {
                     error = QStringLiteral("the simulated camera stopped answering");
                     rows = -1;
@@ -95,6 +95,7 @@ inline long recordSimulatedCamera(bw::sim::DeviceConfig config, double seconds,
                 }
                 if (data.imu.timestamp == last) continue;
                 last = data.imu.timestamp;
+                if (last >= end) break;
                 if (last < start + settle) continue;
                 if (!writer.writeRow(csvRowOf(data, static_cast<int>(rows)))) {
                     error = writer.errorString();
