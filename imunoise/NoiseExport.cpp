@@ -68,6 +68,12 @@ std::string cell(const std::optional<double>& value, int width) {
     return text;
 }
 
+std::string tauText(double tau) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3g", tau);
+    return text;
+}
+
 std::string axisLetter(ImuAxis axis) { return std::string(1, "xyz"[componentOf(axis)]); }
 
 }  // namespace
@@ -162,7 +168,7 @@ std::string resultsTable(const NoiseReport& report) {
             line, sizeof line, "%-6s %s %s %s %10s  %s, %s, %s\n",
             std::string(nameOf(axis)).c_str(), cell(noiseDensityOf(result), 12).c_str(),
             cell(randomWalkOf(result), 12).c_str(), cell(biasInstabilityOf(result), 12).c_str(),
-            instability ? std::to_string(static_cast<int>(instability->tau)).c_str() : "-",
+            instability ? tauText(instability->tau).c_str() : "-",
             std::string(noiseDensityUnit(sensor)).c_str(),
             std::string(randomWalkUnit(sensor)).c_str(), std::string(rateUnit(sensor)).c_str());
         table += line;

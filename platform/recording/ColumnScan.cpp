@@ -19,15 +19,15 @@ constexpr std::int64_t kNanoPerUnit = 1'000'000'000;
 constexpr int kMaxThreads = 16;
 
 // A value in billionths, as the recorder writes it: an optional minus, digits, optionally a
-// point and up to 9 more digits. False for anything else (blanks, exponents, empty text) and for
-// magnitudes beyond 9.2e9.
-bool parseNano(const char* p, const char* end, std::int64_t& value) {
+// point and up to 9 more digits, ended by a comma or the end of the line. Returns where it
+// ended, or null for anything else (blanks, exponents, empty text, magnitudes beyond 9.2e9).
+const char* parseNano(const char* p, const char* end, std::int64_t& value) {
     const bool negative = p != end && *p == '-';
     if (negative) ++p;
     std::int64_t whole = 0;
     int digits = 0;
     for (; p != end && *p >= '0' && *p <= '9'; ++p, ++digits) {
-        if (whole > 9'000'000'000) return false;
+        if (whole > 9'000'000'000) return nullptr;
         whole = whole * 10 + (*p - '0');
     }
     std::int64_t fraction = 0;
@@ -39,11 +39,11 @@ bool parseNano(const char* p, const char* end, std::int64_t& value) {
             ++fractionDigits;
         }
     }
-    if (p != end || digits == 0) return false;
+    if ((p != end && *p != ',') || digits == 0) return nullptr;
     for (; fractionDigits < 9; ++fractionDigits) fraction *= 10;
     value = whole * kNanoPerUnit + fraction;
     if (negative) value = -value;
-    return true;
+    return p;
 }
 
 double toUnits(std::int64_t nano) { return static_cast<double>(nano) / kNanoPerUnit; }
@@ -61,11 +61,18 @@ std::string problemReaching(const std::string& path) {
 
 // How one row is read: which field goes where.
 struct RowLayout {
+    static constexpr int kSkipped = -2, kImuTime = -1;  // else the slot of a column read
     std::size_t fieldCount = 0;
-    int timeField = -1;
-    std::vector<int> slotOfField;  // -1: not read
+    std::size_t lastRead = 0;  // no field after it is parsed
+    std::vector<int> slotOfField;
     std::vector<Column> slotColumns;
 };
+
+std::string notFixedPoint(std::size_t field, Column column, const char* p, const char* end) {
+    const char* stop = std::find(p, end, ',');
+    return "Value " + std::to_string(field + 1) + " (" + std::string(titleOf(column)) + ") \"" +
+           std::string(p, stop) + "\" is not a fixed-point number.";
+}
 
 // Parses the fields of one line; the callback gets (slot, value) for every field read.
 // Returns an empty text, or why the line is not a row.
@@ -74,29 +81,27 @@ std::string parseLine(std::string_view line, const RowLayout& layout, Take&& tak
     if (!line.empty() && line.back() == ',') line.remove_suffix(1);
     const char* p = line.data();
     const char* const end = p + line.size();
-    std::size_t field = 0;
-    for (;;) {
-        const char* comma = static_cast<const char*>(std::memchr(p, ',', std::size_t(end - p)));
-        const char* stop = comma != nullptr ? comma : end;
-        if (field < layout.fieldCount && layout.slotOfField[field] != -2) {
-            std::int64_t value = 0;
-            if (!parseNano(p, stop, value)) {
-                const Column column =
-                    layout.slotOfField[field] >= 0
-                        ? layout.slotColumns[std::size_t(layout.slotOfField[field])]
-                        : Column::IMU_TIME;
-                return "Value " + std::to_string(field + 1) + " (" + std::string(titleOf(column)) +
-                       ") \"" + std::string(p, stop) + "\" is not a fixed-point number.";
-            }
-            take(layout.slotOfField[field], value);
-        }
-        ++field;
-        if (comma == nullptr) break;
-        p = comma + 1;
-    }
-    if (field != layout.fieldCount) {
-        return "The row has " + std::to_string(field) + " values where the header has " +
+    const auto fields = static_cast<std::size_t>(std::count(p, end, ',')) + 1;
+    if (fields != layout.fieldCount) {
+        return "The row has " + std::to_string(fields) + " values where the header has " +
                std::to_string(layout.fieldCount) + " columns.";
+    }
+    for (std::size_t field = 0; field <= layout.lastRead; ++field) {
+        const int slot = layout.slotOfField[field];
+        if (slot == RowLayout::kSkipped) {
+            while (*p != ',') ++p;  // a field read comes later: the comma is there
+            ++p;
+            continue;
+        }
+        std::int64_t value = 0;
+        const char* stop = parseNano(p, end, value);
+        if (stop == nullptr) {
+            return notFixedPoint(
+                field, slot >= 0 ? layout.slotColumns[std::size_t(slot)] : Column::IMU_TIME, p,
+                end);
+        }
+        take(slot, value);
+        p = stop == end ? end : stop + 1;
     }
     return {};
 }
@@ -106,16 +111,19 @@ struct FirstRow {
     std::vector<std::int64_t> values;  // per slot
 };
 
-// What one chunk of the file yielded.
-struct ChunkRows {
-    std::vector<std::int64_t> timeNs;
-    std::vector<std::vector<float>> offsets;  // per slot
+// What one chunk of the file holds: counted first, then parsed into its place.
+struct Chunk {
+    std::uint64_t begin = 0, end = 0;  // the rows that start in [begin, end) are the chunk's
     std::size_t rows = 0;
-    std::string problem;  // with problemRow: the chunk's row at fault
+    std::size_t firstRow = 0;  // rows of the chunks before it
+    std::string problem;       // with problemRow: the chunk's row at fault
     std::size_t problemRow = 0;
     bool failed = false;
 };
 
+// Reads the file in chunks on several threads, twice: the first pass counts each chunk's rows,
+// so that the second can parse every row straight into its place in the columns. Nothing is
+// stored twice, and the columns are allocated once at their final size.
 class ChunkedScan {
 public:
     ChunkedScan(const std::string& path, RowLayout layout, FirstRow first, std::uint64_t dataBegin,
@@ -124,127 +132,137 @@ public:
         const std::uint64_t bytes = fileSize - dataBegin;
         const std::uint64_t count =
             std::max<std::uint64_t>(1, bytes / std::max<std::uint64_t>(1, chunkBytes));
-        for (std::uint64_t i = 0; i <= count; ++i) bounds_.push_back(dataBegin + bytes * i / count);
         chunks_.resize(count);
-        bytesPerRowGuess_ = 1;
+        for (std::uint64_t i = 0; i < count; ++i) {
+            chunks_[i].begin = dataBegin + bytes * i / count;
+            chunks_[i].end = dataBegin + bytes * (i + 1) / count;
+        }
     }
 
-    void setRowLengthGuess(std::size_t bytes) {
-        bytesPerRowGuess_ = std::max<std::size_t>(1, bytes);
-    }
-
-    // Runs the chunks on `threads` threads, the calling one included. False when a chunk was left
-    // unread: cancelled, failed, or the file could not be opened again.
+    // Runs both passes on `threads` threads, the calling one included; progress is reported on
+    // the calling thread. False when a chunk was left unread: cancelled, failed, or the file could
+    // not be opened again.
     bool run(int threads, const std::function<bool(double)>& progress) {
-        std::vector<std::thread> helpers;
-        for (int i = 1; i < threads; ++i) helpers.emplace_back([this] { work(nullptr); });
-        work(&progress);
-        for (std::thread& helper : helpers) helper.join();
-        return done_.load() == chunks_.size();
+        const bool counted =
+            runPass(threads, progress, 0.0, kCountingShare, &ChunkedScan::countChunk);
+        std::size_t rows = 0;
+        for (Chunk& chunk : chunks_) {
+            chunk.firstRow = rows;
+            rows += chunk.rows;
+        }
+        if (!counted) return false;
+        scan_.rowCount = rows;
+        scan_.firstImuTimeNs = first_.timeNs;
+        scan_.imuTimeNs.resize(rows);
+        for (const Column column : layout_.slotColumns) {
+            ScannedColumn scanned;
+            scanned.column = column;
+            scanned.offsets.resize(rows);
+            scan_.columns.push_back(std::move(scanned));
+        }
+        for (std::size_t slot = 0; slot < layout_.slotColumns.size(); ++slot)
+            scan_.columns[slot].origin = toUnits(first_.values[slot]);
+        return runPass(threads, progress, kCountingShare, 1.0 - kCountingShare,
+                       &ChunkedScan::parseChunk);
     }
 
-    const ChunkRows* failedChunk() const {
-        for (const ChunkRows& chunk : chunks_)
+    const Chunk* failedChunk() const {
+        for (const Chunk& chunk : chunks_)
             if (chunk.failed) return &chunk;
         return nullptr;
     }
 
-    std::size_t rowsBefore(const ChunkRows* chunk) const {
-        std::size_t rows = 0;
-        for (const ChunkRows& c : chunks_) {
-            if (&c == chunk) break;
-            rows += c.rows;
-        }
-        return rows;
-    }
-
-    ColumnScan collect() {
-        ColumnScan scan;
-        scan.rowCount = rowsBefore(nullptr);
-        scan.firstImuTimeNs = first_.timeNs;
-        scan.imuTimeNs.reserve(scan.rowCount);
-        for (ChunkRows& chunk : chunks_) {
-            scan.imuTimeNs.insert(scan.imuTimeNs.end(), chunk.timeNs.begin(), chunk.timeNs.end());
-            std::vector<std::int64_t>().swap(chunk.timeNs);
-        }
-        for (std::size_t slot = 0; slot < layout_.slotColumns.size(); ++slot) {
-            ScannedColumn column;
-            column.column = layout_.slotColumns[slot];
-            column.origin = toUnits(first_.values[slot]);
-            column.offsets.reserve(scan.rowCount);
-            for (ChunkRows& chunk : chunks_) {
-                std::vector<float>& part = chunk.offsets[slot];
-                column.offsets.insert(column.offsets.end(), part.begin(), part.end());
-                std::vector<float>().swap(part);
-            }
-            scan.columns.push_back(std::move(column));
-        }
-        return scan;
-    }
+    ColumnScan take() { return std::move(scan_); }
 
 private:
-    void work(const std::function<bool(double)>* progress) {
-        LineSource lines;
-        if (!lines.open(path_)) return;  // the other threads read its share
-        for (;;) {
-            if (stop_.load()) return;
-            const std::size_t index = next_.fetch_add(1);
-            if (index >= chunks_.size()) return;
-            readChunk(lines, index);
-            const std::size_t done = done_.fetch_add(1) + 1;
-            if (progress != nullptr &&
-                !(*progress)(static_cast<double>(done) / static_cast<double>(chunks_.size())))
-                stop_.store(true);
-        }
+    static constexpr double kCountingShare = 0.15;  // of the time: counting is a quick pass
+
+    using ChunkWork = void (ChunkedScan::*)(LineSource&, Chunk&);
+
+    bool runPass(int threads, const std::function<bool(double)>& progress, double shareBefore,
+                 double shareOfPass, ChunkWork work) {
+        next_ = 0;
+        done_ = 0;
+        const auto worker = [&](bool reports) {
+            LineSource lines;
+            if (!lines.open(path_)) return;  // the other threads read its share
+            for (;;) {
+                if (stop_.load()) return;
+                const std::size_t index = next_.fetch_add(1);
+                if (index >= chunks_.size()) return;
+                (this->*work)(lines, chunks_[index]);
+                const std::size_t done = done_.fetch_add(1) + 1;
+                const double share =
+                    static_cast<double>(done) / static_cast<double>(chunks_.size());
+                if (reports && !progress(shareBefore + shareOfPass * share)) stop_.store(true);
+            }
+        };
+        std::vector<std::thread> helpers;
+        for (int i = 1; i < threads; ++i) helpers.emplace_back(worker, false);
+        worker(true);
+        for (std::thread& helper : helpers) helper.join();
+        return done_.load() == chunks_.size() && failedChunk() == nullptr;
     }
 
-    void fail(ChunkRows& chunk, std::size_t row, std::string problem) {
+    void fail(Chunk& chunk, std::size_t row, std::string problem) {
         chunk.failed = true;
         chunk.problemRow = row;
         chunk.problem = std::move(problem);
         stop_.store(true);
     }
 
-    void readChunk(LineSource& lines, std::size_t index) {
-        ChunkRows& chunk = chunks_[index];
-        const std::uint64_t begin = bounds_[index], end = bounds_[index + 1];
+    // Stands `lines` at the first row that starts in the chunk.
+    bool seekChunk(LineSource& lines, Chunk& chunk) {
+        std::string_view skipped;
+        const bool first = &chunk == &chunks_.front();
+        if (lines.seek(first ? chunk.begin : chunk.begin - 1) && (first || lines.next(skipped)))
+            return true;
+        if (lines.offset() < chunk.end) fail(chunk, 0, "The file could not be read to its end.");
+        return false;
+    }
+
+    bool checkEnd(const LineSource& lines, Chunk& chunk, std::size_t row) {
+        if (lines.tooLong())
+            fail(chunk, row, "The line is longer than any row of a recording.");
+        else if (lines.failed())
+            fail(chunk, row, "The file could not be read to its end.");
+        return !chunk.failed;
+    }
+
+    void countChunk(LineSource& lines, Chunk& chunk) {
+        if (!seekChunk(lines, chunk)) return;
         std::string_view line;
-        // A chunk owns the rows that start inside it: skip the end of the one before.
-        if (!lines.seek(index == 0 ? begin : begin - 1) || (index > 0 && !lines.next(line))) {
-            if (lines.offset() < end) fail(chunk, 0, "The file could not be read to its end.");
-            return;
-        }
-        const std::size_t expected = std::size_t(end - begin) / bytesPerRowGuess_ + 16;
-        chunk.timeNs.reserve(expected);
-        chunk.offsets.resize(layout_.slotColumns.size());
-        for (std::vector<float>& column : chunk.offsets) column.reserve(expected);
-        while (lines.offset() < end) {
-            if (!lines.next(line)) break;
+        while (lines.offset() < chunk.end && lines.next(line)) ++chunk.rows;
+        checkEnd(lines, chunk, chunk.rows);
+    }
+
+    void parseChunk(LineSource& lines, Chunk& chunk) {
+        if (!seekChunk(lines, chunk)) return;
+        std::string_view line;
+        std::size_t row = 0;
+        for (; row < chunk.rows && lines.next(line); ++row) {
+            const std::size_t at = chunk.firstRow + row;
             const std::string problem = parseLine(line, layout_, [&](int slot, std::int64_t value) {
                 if (slot < 0) {
-                    chunk.timeNs.push_back(value - first_.timeNs);
+                    scan_.imuTimeNs[at] = value - first_.timeNs;
                 } else {
                     const auto s = static_cast<std::size_t>(slot);
-                    chunk.offsets[s].push_back(static_cast<float>(
-                        static_cast<double>(value - first_.values[s]) / kNanoPerUnit));
+                    scan_.columns[s].offsets[at] = static_cast<float>(
+                        static_cast<double>(value - first_.values[s]) / kNanoPerUnit);
                 }
             });
-            if (!problem.empty()) return fail(chunk, chunk.rows, problem);
-            ++chunk.rows;
-            if ((chunk.rows & 0xFFFF) == 0 && stop_.load()) return;
+            if (!problem.empty()) return fail(chunk, row, problem);
+            if ((row & 0xFFFF) == 0 && stop_.load()) return;
         }
-        if (lines.tooLong())
-            return fail(chunk, chunk.rows, "The line is longer than any row of a recording.");
-        if (lines.failed())
-            return fail(chunk, chunk.rows, "The file could not be read to its end.");
+        if (checkEnd(lines, chunk, row) && row != chunk.rows)
+            fail(chunk, row, "The file changed while it was read.");
     }
 
     std::string path_;
     RowLayout layout_;
     FirstRow first_;
-    std::vector<std::uint64_t> bounds_;
-    std::vector<ChunkRows> chunks_;
-    std::size_t bytesPerRowGuess_;
+    std::vector<Chunk> chunks_;
+    ColumnScan scan_;
     std::atomic<std::size_t> next_{0}, done_{0};
     std::atomic<bool> stop_{false};
 };
@@ -252,15 +270,16 @@ private:
 RowLayout layoutFor(const RecordingHeader& header, const std::vector<Column>& wanted) {
     RowLayout layout;
     layout.fieldCount = header.columns.size();
-    layout.slotOfField.assign(layout.fieldCount, -2);  // -2: skipped, -1: the IMU time
-    layout.timeField = header.fieldOf(Column::IMU_TIME);
-    layout.slotOfField[std::size_t(layout.timeField)] = -1;
+    layout.slotOfField.assign(layout.fieldCount, RowLayout::kSkipped);
+    layout.lastRead = std::size_t(header.fieldOf(Column::IMU_TIME));
+    layout.slotOfField[layout.lastRead] = RowLayout::kImuTime;
     for (const Column column : wanted) {
         const int field = header.fieldOf(column);
         if (field < 0 || column == Column::IMU_TIME) continue;
         if (layout.slotOfField[std::size_t(field)] >= 0) continue;  // asked for twice
         layout.slotOfField[std::size_t(field)] = static_cast<int>(layout.slotColumns.size());
         layout.slotColumns.push_back(column);
+        layout.lastRead = std::max(layout.lastRead, std::size_t(field));
     }
     return layout;
 }
@@ -323,22 +342,20 @@ ScanResult scanColumns(const std::string& path, const std::vector<Column>& wante
         result.problem = {2, problem};
         return result;
     }
-    const std::size_t rowLength = std::size_t(lines.offset() - dataBegin);
 
     struct stat info {};
     ::stat(path.c_str(), &info);
     ChunkedScan chunks(path, layout, first, dataBegin,
                        std::max<std::uint64_t>(dataBegin, std::uint64_t(info.st_size)),
                        options.chunkBytes);
-    chunks.setRowLengthGuess(rowLength);
     bool cancelled = false;
     const bool finished = chunks.run(threadCount(options.threads), [&](double share) {
         cancelled = options.progress && !options.progress(share);
         return !cancelled;
     });
-    if (const ChunkRows* failed = chunks.failedChunk()) {
+    if (const Chunk* failed = chunks.failedChunk()) {
         // Line 1 is the header; rows count from line 2.
-        const std::size_t lineNumber = chunks.rowsBefore(failed) + failed->problemRow + 2;
+        const std::size_t lineNumber = failed->firstRow + failed->problemRow + 2;
         result.problem = {static_cast<int>(lineNumber), failed->problem};
         return result;
     }
@@ -348,7 +365,7 @@ ScanResult scanColumns(const std::string& path, const std::vector<Column>& wante
             0, cancelled ? "The reading was cancelled." : "The file could not be read to its end."};
         return result;
     }
-    result.scan = chunks.collect();
+    result.scan = chunks.take();
     return result;
 }
 

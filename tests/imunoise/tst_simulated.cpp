@@ -113,7 +113,8 @@ private slots:
         QString error;
         noisy =
             dir.filePath(QStringLiteral("20261124_120000-ORYX_D-sn_31000017-ORYXSensorsData.csv"));
-        QVERIFY2(recordSimulatedCamera(stillCamera(3), kHour, imuOnlyRecording(), noisy, error) > 0,
+        QVERIFY2(recordSimulatedCamera(stillCamera(3), kHour + 1.0, imuOnlyRecording(), noisy,
+                                       error) > 0,
                  qPrintable(error));
         bw::sim::DeviceConfig white = stillCamera(4);
         white.gyroWalk = {0.0, 0.0, 0.0};
