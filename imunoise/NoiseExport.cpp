@@ -108,9 +108,10 @@ std::string kalibrYaml(const NoiseReport& report, const std::string& rostopic,
             " min), from its Allan deviation.\n";
     yaml +=
         "# Kalibr takes one value per sensor: each is the largest of the three axes "
-        "(accelerometer " +
-        axisLetter(accNoise->axis) + " and " + axisLetter(accWalk->axis) + ", gyroscope " +
-        axisLetter(gyroNoise->axis) + " and " + axisLetter(gyroWalk->axis) + ").\n";
+        "(noise densities of accelerometer " +
+        axisLetter(accNoise->axis) + " and gyroscope " + axisLetter(gyroNoise->axis) +
+        ", random walks of accelerometer " + axisLetter(accWalk->axis) + " and gyroscope " +
+        axisLetter(gyroWalk->axis) + ").\n";
     yaml += "accelerometer_noise_density: " + number(accNoise->value) + "  # m/s^2/sqrt(Hz)\n";
     yaml += "accelerometer_random_walk: " + number(accWalk->value) + "  # m/s^3/sqrt(Hz)\n";
     yaml += "gyroscope_noise_density: " + number(gyroNoise->value) + "  # rad/s/sqrt(Hz)\n";
