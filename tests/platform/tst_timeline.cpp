@@ -306,6 +306,43 @@ private slots:
         QVERIFY(!(other.newestImu()->pose == inSteps.newestImu()->pose));
     }
 
+    // A bias walk reaches a far sample through sums of whole blocks of steps: a jump across
+    // several blocks gives the samples that small steps give, and the bias does wander.
+    void biasWalksAreTheSameHoweverFarTheJump() {
+        DeviceConfig config = cameraWith(MotionProfile::Still, 9);
+        config.gyroNoise = {0.0, 0.0, 0.0};
+        config.accNoise = {0.0, 0.0, 0.0};
+        config.gyroWalk = {1e-3, 2e-3, 3e-3};
+        config.accWalk = {1e-2, 2e-2, 3e-2};
+        SensorTimeline inSteps(config, kStart), inOneJump(config, kStart);
+        const std::uint64_t end = kStart + 75 * kSecond;  // 30 000 samples: 7 blocks
+        const ImuSample* first = nullptr;
+        ImuSample start;
+        for (std::uint64_t now = kStart; now <= end; now += 250 * kMs) {
+            inSteps.advanceTo(now);
+            if (!first && (first = inSteps.newestImu())) start = *first;
+        }
+        QVERIFY(first != nullptr);
+        inOneJump.advanceTo(end);
+        std::uint64_t after = end - SensorTimeline::kHistoryNs;
+        int compared = 0;
+        while (const ImuSample* a = inSteps.firstImuAfter(after)) {
+            const ImuSample* b = inOneJump.firstImuAfter(after);
+            QVERIFY(b != nullptr);
+            for (int i = 0; i < 3; ++i) {
+                // Summed in another order: equal to the float's last digit.
+                VERIFY_NEAR(a->acceleration[i], b->acceleration[i], 1e-5);
+                VERIFY_NEAR(a->angularVelocity[i], b->angularVelocity[i], 1e-5);
+            }
+            after = a->timestampNs;
+            ++compared;
+        }
+        QVERIFY(compared >= 390);
+        const ImuSample& last = *inSteps.newestImu();
+        QVERIFY((toEigen(last.acceleration) - toEigen(start.acceleration)).norm() > 1e-3);
+        QVERIFY((toEigen(last.angularVelocity) - toEigen(start.angularVelocity)).norm() > 1e-3);
+    }
+
     // Temperatures are a slow function of time alone; the IMU samples carry the IMU's.
     void temperaturesDriftSlowly() {
         SensorTimeline timeline(cameraWith(MotionProfile::Still), kStart);
