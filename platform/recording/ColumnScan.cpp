@@ -8,6 +8,7 @@
 #include <cstring>
 #include <thread>
 
+#include "FileAccess.h"
 #include "LineSource.h"
 #include "RecordingHeader.h"
 
@@ -47,17 +48,6 @@ const char* parseNano(const char* p, const char* end, std::int64_t& value) {
 }
 
 double toUnits(std::int64_t nano) { return static_cast<double>(nano) / kNanoPerUnit; }
-
-std::string problemReaching(const std::string& path) {
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) {
-        return errno == ENOENT
-                   ? "The file does not exist."
-                   : std::string("The file cannot be read: ") + std::strerror(errno) + ".";
-    }
-    if (S_ISDIR(info.st_mode)) return "This is a folder.";
-    return {};
-}
 
 // How one row is read: which field goes where.
 struct RowLayout {
@@ -307,7 +297,7 @@ ScanResult scanColumns(const std::string& path, const std::vector<Column>& wante
     LineSource lines;
     std::string_view line;
     if (!lines.open(path)) {
-        result.problem = {0, std::string("The file cannot be read: ") + std::strerror(errno) + "."};
+        result.problem = {0, cannotRead()};
         return result;
     }
     if (!lines.next(line)) {

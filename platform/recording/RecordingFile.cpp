@@ -7,6 +7,7 @@
 #include <cstring>
 #include <utility>
 
+#include "FileAccess.h"
 #include "RecordingHeader.h"
 
 namespace recording {
@@ -64,22 +65,6 @@ std::string problemWithValue(int field, std::string_view title, std::string_view
         default:
             return which + " " + quoted(text) + " is not a number.";
     }
-}
-
-std::string cannotRead() {
-    return std::string("The file cannot be read: ") + std::strerror(errno) + ".";
-}
-
-// Why the file cannot be read at all; empty when it can.
-std::string problemReaching(const std::string& path) {
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) {
-        return errno == ENOENT
-                   ? "The file does not exist."
-                   : std::string("The file cannot be read: ") + std::strerror(errno) + ".";
-    }
-    if (S_ISDIR(info.st_mode)) return "This is a folder.";
-    return {};
 }
 
 }  // namespace
