@@ -149,6 +149,23 @@ private slots:
                  qPrintable(boxes.shown().first().text));
     }
 
+    void aRefusedFileSaysWhy() {
+        const QString notes = dir.filePath("notes.csv");
+        QFile file(notes);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("name,value\nalpha,1\n");
+        file.close();
+        ImuNoiseWindow window(notes);
+        window.show();
+        QVERIFY2(waitForEnd(window), "the analysis ends");
+        const QString status = window.findChild<QLabel*>("status")->text();
+        QVERIFY2(status.startsWith("This recording cannot be analysed: Line 1: The first line is "
+                                   "not a sensor recording header"),
+                 qPrintable(status));
+        QVERIFY(!window.findChild<QPushButton*>("kalibrButton")->isEnabled());
+        QVERIFY(!window.findChild<QPushButton*>("curvesButton")->isEnabled());
+    }
+
     void cancellingStopsTheAnalysis() {
         // Hold the worker threads so that the cancel comes before the analysis starts.
         QThreadPool* pool = QThreadPool::globalInstance();
