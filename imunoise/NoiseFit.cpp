@@ -33,17 +33,16 @@ struct Region {
 std::optional<Region> regionOf(const std::vector<AdevPoint>& curve,
                                const std::vector<double>& slopes, double slope) {
     std::optional<Region> best;
-    std::optional<std::size_t> runStart;
+    std::size_t runStart = 0;  // of the run that point i would extend
     for (std::size_t i = 0; i <= curve.size(); ++i) {
         const bool inside = i < curve.size() && std::abs(slopes[i] - slope) <= kSlopeTolerance;
-        if (inside && !runStart) runStart = i;
-        if (!inside && runStart) {
-            const Region run{*runStart, i - 1};
-            if (run.last - run.first + 1 >= kMinimumRegionPoints &&
-                (!best || run.weight(curve) > best->weight(curve)))
-                best = run;
-            runStart.reset();
+        if (inside) continue;
+        // Point i ends the run [runStart, i).
+        if (i - runStart >= kMinimumRegionPoints) {
+            const Region run{runStart, i - 1};
+            if (!best || run.weight(curve) > best->weight(curve)) best = run;
         }
+        runStart = i + 1;
     }
     return best;
 }
