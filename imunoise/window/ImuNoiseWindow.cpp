@@ -1,5 +1,6 @@
 #include "ImuNoiseWindow.h"
 
+#include <QCoreApplication>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -10,7 +11,6 @@
 #include <QTableWidget>
 #include <QTimer>
 #include <QVBoxLayout>
-#include <QtConcurrent>
 
 #include "AdevPlot.h"
 #include "NoiseExport.h"
@@ -50,24 +50,25 @@ QString regionText(const imunoise::LineFit& line) {
 
 }  // namespace
 
-ImuNoiseWindow::ImuNoiseWindow(const QString& recordingPath, QWidget* parent)
-    : QWidget(parent, Qt::Window), path(recordingPath), progressTimer(new QTimer(this)) {
+ImuNoiseWindow::ImuNoiseWindow(const QString& recordingPath, QWidget* parent,
+                               imunoise::BackgroundAnalysis::Analysis analysis)
+    : QWidget(parent, Qt::Window),
+      path(recordingPath),
+      analysisToRun(std::move(analysis)),
+      progressTimer(new QTimer(this)) {
     setObjectName(QStringLiteral("imuNoiseWindow"));
     setWindowTitle(tr("IMU Noise - %1").arg(QFileInfo(path).fileName()));
     setAttribute(Qt::WA_DeleteOnClose, false);
     buildLayout();
-    connect(progressTimer, &QTimer::timeout, this, &ImuNoiseWindow::showProgress);
-    connect(&watcher, &QFutureWatcher<NoiseReport>::finished, this, &ImuNoiseWindow::showReport);
+    connect(progressTimer, &QTimer::timeout, this, &ImuNoiseWindow::pollAnalysis);
     resize(1100, 760);
     analyse();
 }
 
-ImuNoiseWindow::~ImuNoiseWindow() {
-    cancel();
-    watcher.waitForFinished();
-}
+// The analysis, if one runs, is cancelled and joined by its own destructor.
+ImuNoiseWindow::~ImuNoiseWindow() = default;
 
-bool ImuNoiseWindow::isAnalysing() const { return watcher.isRunning(); }
+bool ImuNoiseWindow::isAnalysing() const { return running != nullptr; }
 
 void ImuNoiseWindow::buildLayout() {
     auto* layout = new QVBoxLayout(this);
@@ -147,9 +148,7 @@ QWidget* ImuNoiseWindow::buildButtons() {
 }
 
 void ImuNoiseWindow::analyse() {
-    if (watcher.isRunning()) return;
-    cancelFlag = std::make_shared<std::atomic<bool>>(false);
-    progressPermille = std::make_shared<std::atomic<int>>(0);
+    if (running) return;
     report = NoiseReport();
     gyroPlot->showReport(report);
     accPlot->showReport(report);
@@ -162,32 +161,24 @@ void ImuNoiseWindow::analyse() {
     againButton->hide();
     kalibrButton->setEnabled(false);
     curvesButton->setEnabled(false);
-    // The worker holds its own references: the flags outlive a window closed mid-analysis.
-    const std::string file = path.toStdString();
-    const auto cancelled = cancelFlag;
-    const auto permille = progressPermille;
-    watcher.setFuture(QtConcurrent::run([file, cancelled, permille] {
-        imunoise::AnalysisOptions options;
-        options.progress = [cancelled, permille](double share) {
-            permille->store(static_cast<int>(share * 1000.0));
-            return !cancelled->load();
-        };
-        return imunoise::analyseRecording(file, options);
-    }));
+    running = std::make_unique<imunoise::BackgroundAnalysis>(path.toStdString(), analysisToRun);
     progressTimer->start(kProgressTickMs);
 }
 
 void ImuNoiseWindow::cancel() {
-    if (cancelFlag) cancelFlag->store(true);
+    if (running) running->cancel();
 }
 
-void ImuNoiseWindow::showProgress() {
-    if (progressPermille) progress->setValue(progressPermille->load());
+void ImuNoiseWindow::pollAnalysis() {
+    if (!running) return;
+    progress->setValue(static_cast<int>(running->progress() * 1000.0));
+    if (running->finished()) showReport();
 }
 
 void ImuNoiseWindow::showReport() {
     progressTimer->stop();
-    report = watcher.result();
+    report = running->takeReport();
+    running.reset();
     progress->hide();
     cancelButton->hide();
     againButton->show();

@@ -1,14 +1,12 @@
 // The "IMU Noise" window: the Allan deviation of a recording's gyroscope and accelerometer axes,
 // a table of the noise terms, and their export for Kalibr and as CSV. The analysis runs on a
-// worker thread; the window shows its progress and can cancel it.
+// thread of its own; the window polls its progress and end, and can cancel it.
 #pragma once
 
-#include <QFutureWatcher>
 #include <QWidget>
-#include <atomic>
 #include <memory>
 
-#include "NoiseAnalysis.h"
+#include "BackgroundAnalysis.h"
 
 class AdevPlot;
 class QLabel;
@@ -21,7 +19,11 @@ class ImuNoiseWindow : public QWidget {
     Q_OBJECT
 
 public:
-    explicit ImuNoiseWindow(const QString& recordingPath, QWidget* parent = nullptr);
+    // Starts analysing the recording at once, with `analysis` (the library's unless a test
+    // wants to hold it back).
+    explicit ImuNoiseWindow(
+        const QString& recordingPath, QWidget* parent = nullptr,
+        imunoise::BackgroundAnalysis::Analysis analysis = imunoise::analyseRecording);
     ~ImuNoiseWindow() override;
 
     const QString& recordingPath() const { return path; }
@@ -44,7 +46,7 @@ private:
     QWidget* buildStatusRow();
     QWidget* buildTable();
     QWidget* buildButtons();
-    void showProgress();
+    void pollAnalysis();
     void showReport();
     void fillTable();
     void askKalibrPath();
@@ -52,10 +54,9 @@ private:
     void reportError(const QString& text);
 
     QString path;
+    imunoise::BackgroundAnalysis::Analysis analysisToRun;
+    std::unique_ptr<imunoise::BackgroundAnalysis> running;  // null once its report is shown
     imunoise::NoiseReport report;
-    QFutureWatcher<imunoise::NoiseReport> watcher;
-    std::shared_ptr<std::atomic<bool>> cancelFlag;
-    std::shared_ptr<std::atomic<int>> progressPermille;
     QTimer* progressTimer;
     QLabel* status;
     QProgressBar* progress;

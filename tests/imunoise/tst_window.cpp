@@ -3,11 +3,12 @@
 // failed export says why, cancelling stops the analysis, and the replay bar opens the window.
 #include <QLabel>
 #include <QPushButton>
-#include <QSemaphore>
 #include <QTableWidget>
 #include <QTemporaryDir>
-#include <QThreadPool>
 #include <QtTest>
+#include <atomic>
+#include <chrono>
+#include <thread>
 
 #include "AdevPlot.h"
 #include "ImuNoiseWindow.h"
@@ -167,19 +168,20 @@ private slots:
     }
 
     void cancellingStopsTheAnalysis() {
-        // Hold the worker threads so that the cancel comes before the analysis starts.
-        QThreadPool* pool = QThreadPool::globalInstance();
-        const int threads = pool->maxThreadCount();
-        pool->setMaxThreadCount(1);
-        QSemaphore hold;
-        pool->start([&hold] { hold.acquire(); });
-        ImuNoiseWindow window(recording);
+        // The analysis waits at its start (ten seconds at most) until the cancel was given.
+        std::atomic<bool> go{false};
+        ImuNoiseWindow window(
+            recording, nullptr,
+            [&go](const std::string& path, const imunoise::AnalysisOptions& options) {
+                for (int i = 0; i < 1000 && !go.load(); ++i)
+                    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+                return imunoise::analyseRecording(path, options);
+            });
         window.show();
         QVERIFY(window.isAnalysing());
         window.findChild<QPushButton*>("cancelButton")->click();
-        hold.release();
+        go.store(true);
         QVERIFY2(waitForEnd(window), "the analysis ends");
-        pool->setMaxThreadCount(threads);
         QCOMPARE(window.findChild<QLabel*>("status")->text(), QStringLiteral("Cancelled."));
         QVERIFY(!window.findChild<QPushButton*>("kalibrButton")->isEnabled());
         // And it can be run again.
