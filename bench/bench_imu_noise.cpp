@@ -19,6 +19,7 @@
 #include <string>
 
 #include "NoiseAnalysis.h"
+#include "ProcessCpu.h"
 #include "RecordingFile.h"
 #include "SimulatedRecording.h"
 
@@ -42,16 +43,6 @@ double peakResidentMiB() {
         if (line.rfind("VmHWM:", 0) == 0) return std::atof(line.c_str() + 6) / 1024.0;
     }
     return 0.0;
-}
-
-// Processor time of the whole process, every thread, user and system.
-double processCpuSeconds() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& t) {
-        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
 double secondsSince(std::chrono::steady_clock::time_point start) {

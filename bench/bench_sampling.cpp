@@ -59,6 +59,7 @@
 #include <vector>
 
 #include "DataPlot.h"
+#include "ProcessCpu.h"
 #include "RenderSettings.h"
 #include "RendererProbe.h"
 #include "SampleIngest.h"
@@ -85,15 +86,6 @@ double envSeconds(const char* name, double fallback) {
     bool ok = false;
     const double value = qEnvironmentVariable(name).toDouble(&ok);
     return ok && value > 0.0 ? value : fallback;
-}
-
-double processCpuSeconds() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& t) {
-        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
 double secondsSince(SteadyClock::time_point start) {
@@ -164,7 +156,8 @@ class SamplingSession {
 public:
     explicit SamplingSession(const bw::sim::DeviceConfig& camera)
         : opened(session.open({static_cast<std::uint32_t>(camera.cameraId), camera.serial,
-                               static_cast<std::uint32_t>(camera.model), QString()}) == bw::SUCCESS) {}
+                               static_cast<std::uint32_t>(camera.model), QString()}) ==
+                 bw::SUCCESS) {}
 
     bool isOpen() const { return opened; }
     const SensorSeries& series() const { return session.series(); }
