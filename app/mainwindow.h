@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QLabel>
 #include <QMainWindow>
+#include <QPointer>
 #include <QVector>
 #include <atomic>
 #include <bw/sensors.hpp>
@@ -24,6 +25,7 @@
 #include "csvwriter.h"
 #include "recoptions.h"
 
+class ImuNoiseWindow;
 class InputThreadModul;
 class QDragEnterEvent;
 class QDropEvent;
@@ -63,6 +65,8 @@ public:
     // Recordings to replay, listed before the cameras; the first opens when nothing is open.
     void openRecordings(const QStringList& paths);
     ReplayBar* replayControls() const { return replayBar; }
+    // The IMU noise window of the replayed recording; null until the replay bar asks for it.
+    ImuNoiseWindow* imuNoise() const;
 
 public slots:
     void setContext();
@@ -119,6 +123,7 @@ private:
     void connectReplayBar();
     void showReplayState();
     void showReplayPosition();
+    void showImuNoise();
     void refuseRecording(const QString& path);
     void tellIfCutShort(const QString& path);
     void endUnreadableReplay(const QString& path);
@@ -162,14 +167,15 @@ private:
     QVector<LiveCameraSession::Camera> listedCameras;
     LiveCameraSession::Camera selected;
     QString selectedModelName;
-    QStringList recordings;           // given on the command line or dropped, newest first
-    QStringList refusedRecordings;    // not listed again
-    QStringList toldCutShort;         // opened before: the user knows if they end damaged
-    ReplayBar* replayBar = nullptr;   // shown while a recording is open
-    bw::Timestamp replayStartNs = 0;  // recorded time of the first frame
-    bool detecting = false;           // the camera list is being rebuilt
-    bool noCamera = true;             // searching for cameras
-    bool openingCamera = false;       // createLiveInput is running, possibly inside a message box
+    QStringList recordings;                   // given on the command line or dropped, newest first
+    QStringList refusedRecordings;            // not listed again
+    QStringList toldCutShort;                 // opened before: the user knows if they end damaged
+    ReplayBar* replayBar = nullptr;           // shown while a recording is open
+    QPointer<ImuNoiseWindow> imuNoiseWindow;  // a top-level child, of the last recording asked
+    bw::Timestamp replayStartNs = 0;          // recorded time of the first frame
+    bool detecting = false;                   // the camera list is being rebuilt
+    bool noCamera = true;                     // searching for cameras
+    bool openingCamera = false;  // createLiveInput is running, possibly inside a message box
     DetectionThread detectionThread;
     LiveCameraSession session{detectionThread.mutex()};
 

@@ -9,6 +9,7 @@
 #include <QTimer>
 #include <limits>
 
+#include "ImuNoiseWindow.h"
 #include "InputThreadModul.h"
 #include "RecordingFile.h"
 #include "ReplayBar.h"
@@ -72,6 +73,20 @@ void MainWindow::connectReplayBar() {
     connect(replayBar, &ReplayBar::speedChosen, this, [this](float factor) {
         if (InputThreadModul* module = session.input()) module->setReplaySpeed(factor);
     });
+    connect(replayBar, &ReplayBar::imuNoiseRequested, this, &MainWindow::showImuNoise);
+}
+
+ImuNoiseWindow* MainWindow::imuNoise() const { return imuNoiseWindow.data(); }
+
+// One window per recording: asking again brings it forward, another recording replaces it.
+void MainWindow::showImuNoise() {
+    if (selected.recording.isEmpty()) return;
+    if (imuNoiseWindow && imuNoiseWindow->recordingPath() != selected.recording)
+        delete imuNoiseWindow;
+    if (!imuNoiseWindow) imuNoiseWindow = new ImuNoiseWindow(selected.recording, this);
+    imuNoiseWindow->show();
+    imuNoiseWindow->raise();
+    imuNoiseWindow->activateWindow();
 }
 
 void MainWindow::openRecordings(const QStringList& paths) {

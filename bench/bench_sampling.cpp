@@ -60,6 +60,7 @@
 #include <vector>
 
 #include "DataPlot.h"
+#include "ProcessCpu.h"
 #include "RenderSettings.h"
 #include "RendererProbe.h"
 #include "SampleIngest.h"
@@ -86,15 +87,6 @@ double envSeconds(const char* name, double fallback) {
     bool ok = false;
     const double value = qEnvironmentVariable(name).toDouble(&ok);
     return ok && value > 0.0 ? value : fallback;
-}
-
-double processCpuSeconds() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& t) {
-        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
 double secondsSince(SteadyClock::time_point start) {

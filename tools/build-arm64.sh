@@ -104,6 +104,8 @@ fi
 # that start a process are left out of the emulated run; the rest of their executable runs.
 declare -A NEEDS_PROCESS=(
     [tst_csvwriter]="killedWriterLeavesOnlyCompleteRows"   # kills a writing child process
+    # run oryx-imu-noise
+    [imunoise_tst_simulated]="toolWritesItsFilesForARecorderFile toolRefusesAFileThatIsNoRecording toolRefusesTooManyMissingSamples"
 )
 apart_regex="^($(IFS='|'; echo "${!NEEDS_PROCESS[*]}"))\$"
 

@@ -75,14 +75,23 @@ dpkg -L "$pkg" > "$work/files"
 echo "files of $pkg:"
 sed 's/^/    /' "$work/files"
 
-only_the_viewer_is_a_program() {
+only_the_programs() {
     local path elf=()
     while read -r path; do
         [[ -f "$path" ]] && file -b "$path" | grep -q '^ELF' && elf+=("$path")
     done < "$work/files"
-    [[ "${elf[*]}" == /usr/bin/SensorDataViewer ]] || { echo "    programs: ${elf[*]}"; return 1; }
+    [[ "${elf[*]}" == "/usr/bin/SensorDataViewer /usr/bin/oryx-imu-noise" ]] ||
+        { echo "    programs: ${elf[*]}"; return 1; }
 }
-check "the only program in the package is /usr/bin/SensorDataViewer" only_the_viewer_is_a_program
+check "the programs in the package are the viewer and oryx-imu-noise" only_the_programs
+check "oryx-imu-noise answers --help" /usr/bin/oryx-imu-noise --help
+refuses_non_recording() {
+    printf 'name,value\nalpha,1\n' > "$work/notes.csv"
+    local status=0
+    /usr/bin/oryx-imu-noise "$work/notes.csv" 2> "$work/imu-noise.err" || status=$?
+    [[ $status -eq 1 ]] && grep -q 'not a sensor recording header' "$work/imu-noise.err"
+}
+check "oryx-imu-noise refuses a file that is not a recording" refuses_non_recording
 
 desktop=/usr/share/applications/com.brindlewick.SensorDataViewer.desktop
 check "menu entry installed" test -f "$desktop"

@@ -3,6 +3,7 @@
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QSlider>
@@ -29,7 +30,8 @@ ReplayBar::ReplayBar(QWidget* parent)
       playPause(new QToolButton(this)),
       position(new QSlider(Qt::Horizontal, this)),
       times(new QLabel(this)),
-      speed(new QComboBox(this)) {
+      speed(new QComboBox(this)),
+      imuNoise(new QPushButton(tr("IMU Noise"), this)) {
     setObjectName(QStringLiteral("replayBar"));
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(6, 2, 6, 2);
@@ -37,6 +39,11 @@ ReplayBar::ReplayBar(QWidget* parent)
     layout->addWidget(position, 1);
     layout->addWidget(times);
     layout->addWidget(speed);
+    layout->addWidget(imuNoise);
+    imuNoise->setObjectName(QStringLiteral("imuNoiseButton"));
+    imuNoise->setFocusPolicy(Qt::NoFocus);
+    imuNoise->setToolTip(tr("Allan deviation and noise terms of this recording's IMU"));
+    connect(imuNoise, &QPushButton::clicked, this, &ReplayBar::imuNoiseRequested);
 
     playPause->setCheckable(true);  // checked: paused
     connect(playPause, &QToolButton::toggled, this, [this](bool paused) {

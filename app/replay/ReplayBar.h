@@ -1,5 +1,6 @@
 // The slim bar beneath the chart while a recording is replayed: play/pause, the position with
-// elapsed and total time, the speed, and one-sample steps with the arrow keys while paused.
+// elapsed and total time, the speed, one-sample steps with the arrow keys while paused, and a
+// button that asks for the recording's IMU noise.
 // It only shows and asks; the window carries its requests to the camera.
 #pragma once
 
@@ -7,6 +8,7 @@
 
 class QComboBox;
 class QLabel;
+class QPushButton;
 class QShortcut;
 class QSlider;
 class QToolButton;
@@ -29,6 +31,8 @@ signals:
     void speedChosen(float factor);
     // -1 or +1: one sample back or forward, only while paused.
     void stepRequested(int frames);
+    // The user asks for the IMU noise of the recording.
+    void imuNoiseRequested();
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -42,6 +46,7 @@ private:
     QSlider* position;
     QLabel* times;
     QComboBox* speed;
+    QPushButton* imuNoise;
     QList<QShortcut*> steps;  // left and right arrow
     double totalSeconds = 0.0;
 };

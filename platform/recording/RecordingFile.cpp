@@ -3,8 +3,11 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <utility>
 
 #include "Excerpt.h"
+#include "FileAccess.h"
+#include "RecordingHeader.h"
 
 namespace recording {
 
@@ -83,32 +86,6 @@ std::string problemWithValue(std::size_t field, std::string_view title, const st
     return "Value " + std::to_string(field + 1) + " (" + std::string(title) + ") " + why;
 }
 
-std::string cannotRead() {
-    return std::string("The file cannot be read: ") + std::strerror(errno) + ".";
-}
-
-// Why the path cannot be read as a file; empty when it was opened.
-std::string problemOpening(LineSource::Opening opening) {
-    using Opening = LineSource::Opening;
-    switch (opening) {
-        case Opening::OPENED:
-            return {};
-        case Opening::NOT_FOUND:
-            return "The file does not exist.";
-        case Opening::FOLDER:
-            return "This is a folder.";
-        case Opening::NAMED_PIPE:
-            return "This is a named pipe, not a file; only files can be replayed.";
-        case Opening::DEVICE:
-            return "This is a device, not a file; only files can be replayed.";
-        case Opening::SOCKET:
-            return "This is a socket, not a file; only files can be replayed.";
-        case Opening::FAILED:
-            break;
-    }
-    return cannotRead();
-}
-
 }  // namespace
 
 std::unique_ptr<RecordingFile> RecordingFile::open(const std::string& path, Problem& problem) {
@@ -135,35 +112,15 @@ bool RecordingFile::readHeader(Problem& problem) {
                                                  : "The file is empty."};
         return false;
     }
-    std::string_view rest = withoutTrailingComma(trimmed(line));
-    for (;;) {
-        const std::size_t comma = rest.find(',');
-        const std::string_view title = trimmed(rest.substr(0, comma));
-        const std::optional<Column> column = columnTitled(title);
-        if (columns_.empty() && column != Column::INDEX) {
-            problem = {1,
-                       "The first line is not a sensor recording header: it must begin with "
-                       "\"idx,\"."};
-            return false;
-        }
-        if (!column) {
-            problem = {1, "Unknown column " + quotedExcerptOf(title) + " in the header."};
-            return false;
-        }
-        if (present_.test(static_cast<std::size_t>(*column))) {
-            problem = {1, "The column " + quotedExcerptOf(title) + " appears twice in the header."};
-            return false;
-        }
-        if (*column == Column::IMU_TIME) imuTimeField_ = columns_.size();
-        present_.set(static_cast<std::size_t>(*column));
-        columns_.push_back(*column);
-        if (comma == std::string_view::npos) break;
-        rest.remove_prefix(comma + 1);
-    }
-    if (!has(Column::IMU_TIME)) {
-        problem = {1, "The header has no imu_Timestamp[sec] column, by which rows are replayed."};
+    RecordingHeader header;
+    if (std::string refusal = parseHeader(line, header); !refusal.empty()) {
+        problem = {1, std::move(refusal)};
         return false;
     }
+    columns_ = header.columns;
+    present_ = header.present;
+    // The parser refuses a header without the IMU time.
+    imuTimeField_ = static_cast<std::size_t>(header.fieldOf(Column::IMU_TIME));
     return true;
 }
 

@@ -22,6 +22,12 @@
 //                       magnetic north (90 faces east, -90 west). Default: drawn from the
 //                       seed. Tumbling cameras face every way and ignore it.
 //   imu_rate=N          IMU sample rate in Hz, 1 to 100000 (may have a fraction). Default 400.
+//   gyro_noise=N        gyroscope white-noise density in rad/s/√Hz: one number for every axis,
+//                       or X,Y,Z for the reported axes. Default 4.36e-5 (0.05 °/s at 400 Hz).
+//   gyro_walk=K         gyroscope bias random walk in rad/s²/√Hz, one or three. Default 2e-5.
+//   acc_noise=N         accelerometer white-noise density in m/s²/√Hz, one or three.
+//                       Default 1e-3 (0.02 m/s² at 400 Hz).
+//   acc_walk=K          accelerometer bias random walk in m/s³/√Hz, one or three. Default 3e-4.
 //   hard_iron=X,Y,Z     hard-iron offset in µT, magnetometer axes d0,d1,d2. Default 18,-11,7.
 //   soft_iron=X,Y,Z     soft-iron scale per magnetometer axis, each above 0.
 //                       Default 1.06,0.95,1.01.
@@ -92,9 +98,10 @@ constexpr FaultName kFaultSwitches[] = {
 constexpr std::string_view kEepromReadback = "eeprom_readback";
 constexpr std::string_view kReplayKey = "replay";
 
-const char* const kKeys[] = {
-    "model",     "serial",    "id",   "motion", "seed",     "heading",         "imu_rate",
-    "hard_iron", "soft_iron", "plug", "unplug", "firmware", "sensor_firmware", "faults"};
+const char* const kKeys[] = {"model",    "serial",          "id",         "motion",    "seed",
+                             "heading",  "imu_rate",        "gyro_noise", "gyro_walk", "acc_noise",
+                             "acc_walk", "hard_iron",       "soft_iron",  "plug",      "unplug",
+                             "firmware", "sensor_firmware", "faults"};
 
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
@@ -205,6 +212,10 @@ private:
         if (key == "seed") return setSeed(value);
         if (key == "heading") return setHeading(value);
         if (key == "imu_rate") return setImuRate(value);
+        if (key == "gyro_noise") return setNoise(value, config_.gyroNoise);
+        if (key == "gyro_walk") return setNoise(value, config_.gyroWalk);
+        if (key == "acc_noise") return setNoise(value, config_.accNoise);
+        if (key == "acc_walk") return setNoise(value, config_.accWalk);
         if (key == "hard_iron") return setTriple(value, config_.hardIronOffset, false);
         if (key == "soft_iron") return setTriple(value, config_.softIronScale, true);
         if (key == "plug") return setTime(value, config_.plugAt);
@@ -283,6 +294,24 @@ private:
             return fail("IMU rate out of range (1 to 100000 Hz) in " + quoted(word_));
         }
         config_.imuRateHz = *rate;
+        return true;
+    }
+
+    // One number for all three axes, or three comma-separated ones; none negative.
+    bool setNoise(std::string_view value, Vector3<double>& target) {
+        const std::vector<std::string_view> parts = split(value, ',');
+        if (parts.size() != 1 && parts.size() != 3) {
+            return fail("expected 1 or 3 comma-separated numbers in " + quoted(word_));
+        }
+        Vector3<double> noise;
+        for (int i = 0; i < 3; ++i) {
+            const std::string_view part = parts[parts.size() == 1 ? 0 : std::size_t(i)];
+            const auto number = parseReal(part);
+            if (!number) return badNumber(part);
+            if (*number < 0.0) return fail("negative noise in " + quoted(word_));
+            noise[i] = *number;
+        }
+        target = noise;
         return true;
     }
 

@@ -30,6 +30,10 @@ enum class Stream : std::uint64_t {
     Barometer,
     Weather,
     Temperature,
+    AccelerometerWalk,
+    AccelerometerWalkBlocks,
+    GyroscopeWalk,
+    GyroscopeWalkBlocks,
 };
 
 // Key of one stream (and one axis of it) of the camera with the given seed.

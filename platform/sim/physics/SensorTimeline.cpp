@@ -13,6 +13,7 @@
 #include "MotionModel.hpp"
 #include "MotionStateDetector.hpp"
 #include "Noise.hpp"
+#include "RandomWalk.hpp"
 #include "SampleSchedule.hpp"
 #include "TemperatureModel.hpp"
 
@@ -35,8 +36,6 @@ constexpr double kBaroPhaseNs = 13e6;
 // Largest error of a device's crystal; one clock drives all three streams.
 constexpr double kClockErrorPpm = 6.0;
 
-constexpr double kAccNoise = 0.02;  // m/s²
-constexpr double kGyroNoiseDegS = 0.05;
 constexpr double kGyroBiasDegS = 0.01;  // largest bias per axis
 constexpr double kMagNoiseUt = 0.3;
 constexpr double kMagStepUt = 1.0 / 16.0;  // one raw count
@@ -132,6 +131,17 @@ std::array<std::uint64_t, 3> axisKeys(std::uint64_t seed, noise::Stream stream) 
     return {noise::key(seed, stream, 0), noise::key(seed, stream, 1), noise::key(seed, stream, 2)};
 }
 
+// The reported (image) axis along each of the motion model's camera axes: image x = -camera y,
+// image y = -camera z, image z = camera x. Noise is configured per reported axis.
+constexpr std::array<int, 3> kImageAxisOfCameraAxis = {2, 0, 1};
+
+// The bias random walks of one sensor, one per reported axis.
+std::array<RandomWalk, 3> biasWalks(std::uint64_t seed, noise::Stream steps, noise::Stream blocks) {
+    return {RandomWalk(noise::key(seed, steps, 0), noise::key(seed, blocks, 0)),
+            RandomWalk(noise::key(seed, steps, 1), noise::key(seed, blocks, 1)),
+            RandomWalk(noise::key(seed, steps, 2), noise::key(seed, blocks, 2))};
+}
+
 }  // namespace
 
 Vector3<float> imageFromCameraAxes(const Vector3<float>& c) { return {-c.y, -c.z, c.x}; }
@@ -149,6 +159,10 @@ struct SensorTimeline::State {
 
     void step(std::uint64_t fullFrom);
     void makeImu(std::uint64_t t);
+    // White noise plus bias walk of one sample along camera axis i, from the densities and walk
+    // strengths per reported axis.
+    double imuNoise(int i, const Vector3<double>& density, const Vector3<double>& walk,
+                    std::uint64_t whiteKey, std::array<RandomWalk, 3>& walks);
     void makeMag(std::uint64_t t);
     void makeBaro(std::uint64_t t);
     double secondsAt(std::uint64_t ns) const { return static_cast<double>(ns - startNs) * 1e-9; }
@@ -164,6 +178,8 @@ struct SensorTimeline::State {
     SampleStream<BaroSample> baro;
 
     std::array<std::uint64_t, 3> accKeys, gyroKeys, magKeys;
+    std::array<RandomWalk, 3> accWalks, gyroWalks;
+    double imuPeriodS;
     std::uint64_t pressureKey;
     Eigen::Vector3d gyroBias;
     double weatherOffsetPa;
@@ -210,6 +226,11 @@ SensorTimeline::State::State(const DeviceConfig& c, std::uint64_t start)
       accKeys(axisKeys(c.seed, noise::Stream::Accelerometer)),
       gyroKeys(axisKeys(c.seed, noise::Stream::Gyroscope)),
       magKeys(axisKeys(c.seed, noise::Stream::Magnetometer)),
+      accWalks(biasWalks(c.seed, noise::Stream::AccelerometerWalk,
+                         noise::Stream::AccelerometerWalkBlocks)),
+      gyroWalks(
+          biasWalks(c.seed, noise::Stream::GyroscopeWalk, noise::Stream::GyroscopeWalkBlocks)),
+      imuPeriodS(imuPeriodNs(c) * 1e-9),
       pressureKey(noise::key(c.seed, noise::Stream::Barometer)) {
     const auto biasKeys = axisKeys(c.seed, noise::Stream::GyroBias);
     for (int i = 0; i < 3; ++i)
@@ -244,8 +265,9 @@ void SensorTimeline::State::makeImu(std::uint64_t t) {
     Eigen::Vector3d force = motion.specificForce();
     Eigen::Vector3d rate = motion.angularVelocity() * kRadToDeg + gyroBias;
     for (int i = 0; i < 3; ++i) {
-        force[i] += kAccNoise * noise::gaussian(accKeys[i], imu.index);
-        rate[i] += kGyroNoiseDegS * noise::gaussian(gyroKeys[i], imu.index);
+        force[i] += imuNoise(i, config.accNoise, config.accWalk, accKeys[i], accWalks);
+        rate[i] +=
+            kRadToDeg * imuNoise(i, config.gyroNoise, config.gyroWalk, gyroKeys[i], gyroWalks);
     }
     ImuSample sample;
     sample.timestampNs = t;
@@ -256,6 +278,18 @@ void SensorTimeline::State::makeImu(std::uint64_t t) {
     sample.imuTemperature = temperatures.imuAt(t);
     sample.movingState = detector.update(t, sample.acceleration, sample.angularVelocity);
     imu.keep(sample);
+}
+
+// Discrete white noise of density N has the standard deviation N / √Δt per sample; a bias
+// random walk of strength K moves by K √Δt per sample.
+double SensorTimeline::State::imuNoise(int i, const Vector3<double>& density,
+                                       const Vector3<double>& walk, std::uint64_t whiteKey,
+                                       std::array<RandomWalk, 3>& walks) {
+    const int axis = kImageAxisOfCameraAxis[static_cast<std::size_t>(i)];
+    const double root = std::sqrt(imuPeriodS);
+    double value = density[axis] / root * noise::gaussian(whiteKey, imu.index);
+    if (walk[axis] != 0.0) value += walk[axis] * root * walks[std::size_t(axis)].at(imu.index);
+    return value;
 }
 
 void SensorTimeline::State::makeMag(std::uint64_t t) {

@@ -61,6 +61,18 @@ struct DeviceConfig {
     static constexpr double kMaxImuRateHz = 100'000.0;
     double imuRateHz = 400.0;
 
+    // IMU noise in continuous time and SI units, per axis of the reported frame (x right, y down,
+    // z forward), as visual-inertial pipelines describe it: white noise of density
+    // gyroNoise (rad/s/√Hz) and accNoise (m/s²/√Hz), plus a bias random walk of strength
+    // gyroWalk (rad/s²/√Hz) and accWalk (m/s³/√Hz) on top of the gyroscope's constant bias.
+    // The densities give 0.05 °/s and 0.02 m/s² per sample at 400 Hz.
+    static constexpr double kDefaultGyroNoise = 4.363323129985824e-5;
+    static constexpr double kDefaultAccNoise = 1e-3;
+    Vector3<double> gyroNoise{kDefaultGyroNoise, kDefaultGyroNoise, kDefaultGyroNoise};
+    Vector3<double> gyroWalk{2e-5, 2e-5, 2e-5};
+    Vector3<double> accNoise{kDefaultAccNoise, kDefaultAccNoise, kDefaultAccNoise};
+    Vector3<double> accWalk{3e-4, 3e-4, 3e-4};
+
     // Magnetic distortion, in the micro-controller's magnetometer axes d0, d1, d2:
     // measured = softIronScale * trueField + hardIronOffset (µT).
     Vector3<float> hardIronOffset{18.f, -11.f, 7.f};
