@@ -149,14 +149,18 @@ void SampleIngest::keepPose(const bw::SensorsData& record) {
     lastPose.movingState = static_cast<int>(record.camera_moving_state);
 }
 
+// Until the barometer's first sample, and on cameras without one, the record reads a pressure
+// and an altitude of 0. The row keeps the record as it is; the chart's ranges follow readings
+// only, or a single 0 would stretch the pressure axis down to -100 hPa for the whole session.
 void SampleIngest::takeBarometer(const bw::SensorsData& record, Row& row) {
     row.pressure = record.barometer.pressure / 100.0;
+    const float h = record.barometer.relative_altitude;
+    row.altitude = h;
+    if (!record.barometer.is_available || record.barometer.timestamp == 0) return;
     const float p = static_cast<float>(row.pressure);
     if (levels.pressureMax.load() < p) levels.pressureMax.store(p + 100.f);
     if (levels.pressureMin.load() > p) levels.pressureMin.store(p - 100.f);
     // The factor follows the sign of the old bound, not of the new value.
-    const float h = record.barometer.relative_altitude;
-    row.altitude = h;
     const float oldMax = levels.altitudeMax.load();
     if (oldMax < h) levels.altitudeMax.store(h * (oldMax > 0.f ? 1.1f : 0.9f));
     const float oldMin = levels.altitudeMin.load();

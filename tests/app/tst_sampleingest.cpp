@@ -26,6 +26,15 @@ bw::SensorsData record(std::uint64_t t) {
     return d;
 }
 
+// A record that carries a barometer sample taken with it.
+bw::SensorsData withBarometer(bw::SensorsData d, float pascals, float altitude) {
+    d.barometer.is_available = true;
+    d.barometer.timestamp = d.imu.timestamp;
+    d.barometer.pressure = pascals;
+    d.barometer.relative_altitude = altitude;
+    return d;
+}
+
 struct CountingRecorder : RowRecorder {
     double frequency = 400.0;
     QVector<RowNumber> rows;
@@ -141,9 +150,7 @@ private slots:
         levels->altitudeMax = oldMax;
         SampleIngest ingest(series, *levels, mutex);
         ingest.ingest(record(kStart));
-        bw::SensorsData d = record(kStart + kImuPeriod);
-        d.barometer.relative_altitude = altitude;
-        ingest.ingest(d);
+        ingest.ingest(withBarometer(record(kStart + kImuPeriod), 101325.f, altitude));
         QVERIFY(std::fabs(levels->altitudeMin - newMin) < 1e-5f);
         QVERIFY(std::fabs(levels->altitudeMax - newMax) < 1e-5f);
     }
@@ -151,13 +158,28 @@ private slots:
     void pressureAndTemperatureBoundsKeepTheirMargins() {
         SampleIngest ingest(series, *levels, mutex);
         ingest.ingest(record(kStart));
-        bw::SensorsData d = record(kStart + kImuPeriod);
-        d.barometer.pressure = 110000.f;  // 1100 hPa
-        ingest.ingest(d);
+        ingest.ingest(withBarometer(record(kStart + kImuPeriod), 110000.f, 0.f));  // 1100 hPa
         QCOMPARE(levels->pressureMax.load(), 1200.f);
         QCOMPARE(levels->pressureMin.load(), 1000.f);
         QCOMPARE(levels->temperatureMax.load(), 45.f);
         QCOMPARE(levels->temperatureMin.load(), 36.f);  // min(41, 42) - 5
+    }
+
+    // Before the barometer's first sample the record reads 0 hPa: the row keeps it, the ranges
+    // do not, so the pressure axis stays around the readings.
+    void rangesFollowBarometerReadingsOnly() {
+        SampleIngest ingest(series, *levels, mutex);
+        ingest.ingest(record(kStart));
+        bw::SensorsData beforeFirstSample = record(kStart + kImuPeriod);
+        beforeFirstSample.barometer.is_available = true;
+        ingest.ingest(beforeFirstSample);
+        ingest.ingest(record(kStart + 2 * kImuPeriod));  // a camera without a barometer
+        ingest.ingest(withBarometer(record(kStart + 3 * kImuPeriod), 99768.f, -0.5f));
+        QCOMPARE(series.pressure.at(series.pressure.firstRow()), 0.0);
+        QCOMPARE(levels->pressureMin.load(), 897.68f);
+        QCOMPARE(levels->pressureMax.load(), 1050.f);
+        QCOMPARE(levels->altitudeMin.load(), -0.55f);
+        QCOMPARE(levels->altitudeMax.load(), 5.f);
     }
 
     void missingOnboardTemperaturesFallBackToTheImu() {
