@@ -1,6 +1,7 @@
 #include "MagSampleSet.h"
 
 #include <Eigen/Core>
+#include <cmath>
 
 #include "mag_calib.h"
 
@@ -12,6 +13,18 @@ constexpr int kSamplesBeforeFirstRefit = 100;
 constexpr int kNewSamplesPerRefit = 50;
 // The corrected samples lie on a sphere of this radius.
 constexpr double kUnitField = 1.0;
+
+// A cloud that fixes no ellipsoid (all samples on one circle, as when the camera was turned
+// about one axis only) gives a singular or indefinite fit: infinities, NaN or a scale that is
+// not positive. Stored in the EEPROM, such a correction would wreck every heading.
+bool describesAnEllipsoid(const MagCalib& calib) {
+    for (int axis = 0; axis < 3; ++axis) {
+        if (!std::isfinite(calib.offset[axis]) || !std::isfinite(calib.scale[axis]) ||
+            calib.scale[axis] <= 0.0)
+            return false;
+    }
+    return true;
+}
 
 Eigen::VectorXd toEigen(const QVector<double>& v) {
     return Eigen::Map<const Eigen::VectorXd>(v.constData(), v.size());
@@ -39,7 +52,8 @@ bool MagSampleSet::fit() {
     Eigen::VectorXd y = toEigen(rawSamples[1]);
     Eigen::VectorXd z = toEigen(rawSamples[2]);
     MagCalib calib;
-    if (!calib.ellipsoidCalibration(x, y, z, kUnitField)) return false;
+    if (!calib.ellipsoidCalibration(x, y, z, kUnitField) || !describesAnEllipsoid(calib))
+        return false;
     for (int axis = 0; axis < 3; ++axis) {
         current.offset[axis] = calib.offset[axis];
         current.scale[axis] = calib.scale[axis];

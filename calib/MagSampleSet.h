@@ -19,8 +19,8 @@ public:
     void clear();
 
     // Fits an axis-aligned ellipsoid to the raw samples. On success the fit becomes the
-    // correction and the corrected samples are computed anew; with fewer than six samples it
-    // fails and nothing changes.
+    // correction and the corrected samples are computed anew; with fewer than six samples, or
+    // samples that fix no ellipsoid, it fails and nothing changes.
     bool fit();
     // While samples are being collected they are refitted after more than a hundred of them, and
     // then once at least fifty more arrived since the last refit.

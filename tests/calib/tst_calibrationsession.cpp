@@ -431,6 +431,25 @@ private slots:
                          QString("sample %1 at %2").arg(i).arg(std::sqrt(x * x + y * y + z * z))));
         }
     }
+
+    // A camera only turned about one axis puts its samples on a circle, which fixes no
+    // ellipsoid: such a fit fails like one of too few samples, and the correction to store stays
+    // the one before it, never the fit's NaN or infinity.
+    void sampleSetRefusesAFitThatFixesNoEllipsoid() {
+        MagSampleSet set;
+        MagCorrection stored;
+        stored.offset[1] = -3.0;
+        stored.scale[0] = 1.2;
+        set.setCorrection(stored);
+        const double centre[3] = {12, -7, 4}, radii[3] = {30, 45, 38};
+        for (int i = 0; i < 150; ++i) set.append(onEllipsoid(centre, radii, i * 0.03, 0.2));
+        QVERIFY(!set.fit());
+        for (int axis = 0; axis < 3; ++axis) {
+            QCOMPARE(set.correction().offset[axis], stored.offset[axis]);
+            QCOMPARE(set.correction().scale[axis], stored.scale[axis]);
+        }
+        QCOMPARE(set.correctedSize(), 0);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestCalibrationSession)

@@ -293,7 +293,7 @@ private slots:
         const CalibrationSession& session = dlg.session();
         auto* start = child<QPushButton>(dlg, "pushButton_start");
         auto* exitButton = child<QPushButton>(dlg, "pushButton_exit");
-        collect(dlg, sim, 4 * kSecond, 150);
+        collect(dlg, sim, 15 * kSecond, 600);
         start->click();  // stop: fits once
         QVERIFY(session.hasCalibrationToStore());
         QVERIFY(session.samples().correction().scale[0] != 1.0);
@@ -314,7 +314,7 @@ private slots:
         const MagCorrection& c = session.samples().correction();
         for (int i = 0; i < 3; ++i) QVERIFY(c.offset[i] == 0.0 && c.scale[i] == 1.0);
 
-        collect(dlg, sim, 8 * kSecond, 150);
+        collect(dlg, sim, 30 * kSecond, 600);
         start->click();
         boxes.setAnswers({"Yes"});
         exitButton->click();
