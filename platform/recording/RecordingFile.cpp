@@ -5,6 +5,7 @@
 #include <cstring>
 #include <utility>
 
+#include "CsvFields.h"
 #include "Excerpt.h"
 #include "FileAccess.h"
 #include "RecordingHeader.h"
@@ -12,20 +13,6 @@
 namespace recording {
 
 namespace {
-
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
-    return text;
-}
-
-bool endsWithComma(std::string_view line) { return !line.empty() && line.back() == ','; }
-
-// Rows end every value with a comma; the last one is not the start of another value.
-std::string_view withoutTrailingComma(std::string_view line) {
-    if (endsWithComma(line)) line.remove_suffix(1);
-    return line;
-}
 
 enum class NumberShape { FIXED, EMPTY, SCIENTIFIC, NOT_A_NUMBER };
 

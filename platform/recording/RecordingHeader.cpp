@@ -1,24 +1,9 @@
 #include "RecordingHeader.h"
 
+#include "CsvFields.h"
 #include "Excerpt.h"
 
 namespace recording {
-
-namespace {
-
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
-    return text;
-}
-
-// The header ends every title with a comma; the last one is not the start of another title.
-std::string_view withoutTrailingComma(std::string_view line) {
-    if (!line.empty() && line.back() == ',') line.remove_suffix(1);
-    return line;
-}
-
-}  // namespace
 
 int RecordingHeader::fieldOf(Column column) const {
     for (std::size_t i = 0; i < columns.size(); ++i) {

@@ -14,6 +14,7 @@
 #include "InputThreadModul.h"
 #include "MessageBoxWatcher.h"
 #include "SimulatedCameras.h"
+#include "TempSettings.h"
 #include "WidgetTestMain.h"
 #include "csvwriter.h"
 #include "mainwindow.h"
@@ -119,15 +120,10 @@ void waitUntilTheScreenShowsTheRow(MainWindow& w) {
 class TestWindowReadout : public QObject {
     Q_OBJECT
 
-    QTemporaryDir settingsDir;
+    TempSettings settings;  // never the user's own settings
     QTemporaryDir folder;
 
 private slots:
-    void initTestCase() {
-        // Never touch the user's own settings.
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir.path());
-    }
-
     void everyFieldShowsItsWholeText_data() {
         QTest::addColumn<bool>("lowest");
         QTest::addColumn<bool>("smallest");

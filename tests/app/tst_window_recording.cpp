@@ -11,6 +11,7 @@
 #include "InputThreadModul.h"
 #include "MessageBoxWatcher.h"
 #include "SimulatedCameras.h"
+#include "TempSettings.h"
 #include "WidgetTestMain.h"
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
@@ -93,7 +94,7 @@ std::int64_t sampledRows(MainWindow& w) {
 class TestWindowRecording : public QObject {
     Q_OBJECT
 
-    QTemporaryDir settingsDir;
+    TempSettings settings;  // never the user's own settings
     QTemporaryDir recordings;
     std::unique_ptr<PacedVirtualTime> time;
     std::unique_ptr<MainWindow> window;
@@ -114,11 +115,6 @@ private slots:
     void cleanup() {
         window.reset();
         time.reset();
-    }
-
-    void initTestCase() {
-        // Never touch the user's own settings.
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir.path());
     }
 
     void withoutACameraTheButtonSpringsBack() {

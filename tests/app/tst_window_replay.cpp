@@ -20,6 +20,7 @@
 #include "MessageBoxWatcher.h"
 #include "ReplayBar.h"
 #include "SimulatedCameras.h"
+#include "TempSettings.h"
 #include "WaitOrFail.h"
 #include "WidgetTestMain.h"
 #include "mainwindow.h"
@@ -149,14 +150,10 @@ QStringList listed(const MainWindow& w) {
 class TestWindowReplay : public QObject {
     Q_OBJECT
 
-    QTemporaryDir settingsDir;
+    TempSettings settings;  // never the user's own settings
     QTemporaryDir folder;
 
 private slots:
-    void initTestCase() {
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir.path());
-    }
-
     // One minute of every group at 400 Hz, replayed and recorded again: the same rows at the same
     // times.
     void aReplayRecordsTheRowsItWasRecordedFrom() {
