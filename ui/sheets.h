@@ -26,6 +26,8 @@ QString labelPlain();
 QString labelOnColour();  // %1: background colour
 QString tabWidget();      // %1: tab width in pixels
 QString listWidget();
+QString table();
+QString progressBar();
 QString frameRounded();
 QString frameBare();
 QString frameSeparator();

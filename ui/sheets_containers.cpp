@@ -68,6 +68,25 @@ QString listWidget() {
            ";background-color:" + clr::bw_lime + ";}";
 }
 
+// Results tables: values on the darkest panel, headers on charcoal, thin steel rules.
+QString table() {
+    return "QTableView{color:" + clr::bw_pearl + ";background-color:" + clr::bw_soil +
+           ";gridline-color:" + clr::bw_steel + ";border: 1px solid " + clr::bw_steel +
+           ";selection-color:" + clr::bw_soil + ";selection-background-color:" + clr::bw_lime +
+           ";}QHeaderView::section{color:" + clr::bw_pearl +
+           ";background-color:" + clr::bw_charcoal + ";border: 0px;border-right: 1px solid " +
+           clr::bw_steel + ";border-bottom: 1px solid " + clr::bw_steel +
+           ";padding: 3px 6px;}QTableCornerButton::section{background-color:" + clr::bw_charcoal +
+           ";border: 0px;}";
+}
+
+// Progress of long work: the accent fills a dark groove.
+QString progressBar() {
+    return "QProgressBar{border: 1px solid " + clr::bw_iron +
+           ";border-radius: 2px;background-color:" + clr::bw_soil +
+           ";}QProgressBar::chunk{background-color:" + clr::company_clr + ";}";
+}
+
 QString frameRounded() {
     return "QFrame{border-radius: 20px;border: 0px solid;border-color: " + clr::bw_charcoal +
            ";background-color: " + clr::bw_charcoal + ";}";

@@ -67,6 +67,8 @@ Style::Style() : fontSize(10) {
     radioButton = sheet::radioButton();
     tabWidget = sheet::tabWidget();
     listWidget = sheet::listWidget();
+    table = sheet::table();
+    progressBar = sheet::progressBar();
     frameRounded = sheet::frameRounded();
     frameBare = sheet::frameBare();
     frameSeparator = sheet::frameSeparator();

@@ -81,6 +81,8 @@ public:
     QString radioButton;
     QString tabWidget;  // %1: tab width in pixels
     QString listWidget;
+    QString table;        // table view with its headers
+    QString progressBar;  // accent chunk in a dark groove
 
     // Frames.
     QString frameRounded;
@@ -135,4 +137,3 @@ public:
     QString messageBox;
     QFont messageBoxFont;
 };
-

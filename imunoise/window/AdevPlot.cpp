@@ -5,8 +5,12 @@
 #include <qwt_plot_curve.h>
 #include <qwt_plot_grid.h>
 #include <qwt_scale_engine.h>
+#include <qwt_scale_widget.h>
 
+#include "Background.h"
+#include "CssValues.h"
 #include "palette.h"
+#include "style.h"
 
 using imunoise::AxisResult;
 using imunoise::LineFit;
@@ -14,31 +18,40 @@ using imunoise::Sensor;
 
 namespace {
 
-// The palette keeps the axis colours as style-sheet texts, "rgb(r,g,b)".
 QColor axisColour(int component) {
     const QString texts[] = {clr::xAxis, clr::yAxis, clr::zAxis};
-    QString text = texts[component];
-    const QStringList parts = text.remove(QLatin1String("rgb(")).remove(')').split(',');
-    return QColor(parts.value(0).trimmed().toInt(), parts.value(1).trimmed().toInt(),
-                  parts.value(2).trimmed().toInt());
+    return cssColour(texts[component]);
 }
 
 }  // namespace
 
+// Dressed like the main window's chart: the same dark canvas, grid, fonts and tick colour.
 AdevPlot::AdevPlot(Sensor sensor_, QWidget* parent) : QwtPlot(parent), sensor(sensor_) {
     auto* plotCanvas = new QwtPlotCanvas();
     plotCanvas->setFrameStyle(QFrame::NoFrame);
-    plotCanvas->setPalette(QPalette(Qt::white));
     setCanvas(plotCanvas);
-    setAxisScaleEngine(xBottom, new QwtLogScaleEngine);
-    setAxisScaleEngine(yLeft, new QwtLogScaleEngine);
-    setAxisTitle(xBottom, tr("Cluster time τ [s]"));
-    setAxisTitle(yLeft, sensor == Sensor::GYROSCOPE ? tr("Allan deviation [rad/s]")
-                                                    : tr("Allan deviation [m/s²]"));
-    setTitle(sensor == Sensor::GYROSCOPE ? tr("Gyroscope") : tr("Accelerometer"));
+    (new Background())->attach(this);  // the plot owns its items
     auto* grid = new QwtPlotGrid();
     grid->setPen(QColor(QStringLiteral("#C0C0C0")), 1.0, Qt::DotLine);
     grid->attach(this);
+
+    const Style style;
+    QwtText title(sensor == Sensor::GYROSCOPE ? tr("Gyroscope") : tr("Accelerometer"));
+    title.setFont(cssFont(style.fontTitle));
+    title.setColor(cssColour(clr::bw_pearl));
+    setTitle(title);
+    const QString tickColour = QStringLiteral("color: %1").arg(clr::med_black);
+    for (const int axis : {xBottom, yLeft}) {
+        setAxisScaleEngine(axis, new QwtLogScaleEngine);
+        setAxisFont(axis, cssFont(style.fontAxis));
+        axisWidget(axis)->setStyleSheet(tickColour);
+    }
+    QwtText tauTitle(tr("Cluster time τ [s]"));
+    QwtText deviationTitle(sensor == Sensor::GYROSCOPE ? tr("Allan deviation [rad/s]")
+                                                       : tr("Allan deviation [m/s²]"));
+    for (QwtText* text : {&tauTitle, &deviationTitle}) text->setFont(cssFont(style.fontTitle));
+    setAxisTitle(xBottom, tauTitle);
+    setAxisTitle(yLeft, deviationTitle);
     insertLegend(new QwtLegend(), QwtPlot::BottomLegend);
 }
 

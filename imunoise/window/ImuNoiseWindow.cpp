@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 
 #include "AdevPlot.h"
+#include "CssValues.h"
 #include "NoiseExport.h"
 #include "messagebox.h"
 #include "style.h"
@@ -60,6 +61,7 @@ ImuNoiseWindow::ImuNoiseWindow(const QString& recordingPath, QWidget* parent,
     setWindowTitle(tr("IMU Noise - %1").arg(QFileInfo(path).fileName()));
     setAttribute(Qt::WA_DeleteOnClose, false);
     buildLayout();
+    applyStyle();
     connect(progressTimer, &QTimer::timeout, this, &ImuNoiseWindow::pollAnalysis);
     resize(1100, 760);
     analyse();
@@ -87,6 +89,24 @@ void ImuNoiseWindow::buildLayout() {
     notes->setWordWrap(true);
     layout->addWidget(notes);
     layout->addWidget(buildButtons());
+}
+
+// The application's dark look, from the sheets every window takes.
+void ImuNoiseWindow::applyStyle() {
+    const Style style;
+    setStyleSheet(style.baseWindow);
+    setFont(cssFont(style.fontText));
+    table->setStyleSheet(style.table);
+    fitTableHeight();
+    progress->setStyleSheet(style.progressBar);
+    // The outlined sheet has no padding of its own: the text gets a margin either side.
+    for (QPushButton* button : {cancelButton, againButton, kalibrButton, curvesButton}) {
+        button->setStyleSheet(style.outlineButton);
+        button->ensurePolished();
+        const QFontMetrics metrics(button->font());
+        button->setMinimumSize(metrics.horizontalAdvance(button->text()) + 2 * metrics.height(),
+                               metrics.height() + 10);
+    }
 }
 
 QWidget* ImuNoiseWindow::buildStatusRow() {
@@ -124,11 +144,20 @@ QWidget* ImuNoiseWindow::buildTable() {
     table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     table->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     table->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    return table;
+}
+
+// Every row shows, without a scroll bar: the height of the headers and rows as the table's style
+// sheet pads them, so it is measured once the sheet applies.
+void ImuNoiseWindow::fitTableHeight() {
+    for (QWidget* part :
+         {static_cast<QWidget*>(table), static_cast<QWidget*>(table->horizontalHeader()),
+          static_cast<QWidget*>(table->verticalHeader())})
+        part->ensurePolished();
     int height = table->horizontalHeader()->sizeHint().height() + 2 * table->frameWidth();
     for (int row = 0; row < table->rowCount(); ++row)
         height += table->verticalHeader()->sectionSizeHint(row);
     table->setFixedHeight(height);
-    return table;
 }
 
 QWidget* ImuNoiseWindow::buildButtons() {

@@ -43,6 +43,8 @@ signals:
 
 private:
     void buildLayout();
+    void applyStyle();
+    void fitTableHeight();
     QWidget* buildStatusRow();
     QWidget* buildTable();
     QWidget* buildButtons();
