@@ -27,8 +27,6 @@ using StoreResult = CalibrationSession::StoreResult;
 namespace {
 
 constexpr unsigned kSerial = kTumblingSerial;
-constexpr std::uint64_t kMs = 1'000'000ull;
-constexpr std::uint64_t kSecond = 1000 * kMs;
 // Real time a wait allows: only a guard against a thread that never delivers, which a working
 // session needs a small fraction of.
 constexpr int kWaitMs = 5000;

@@ -29,8 +29,6 @@ using namespace simmcu;
 namespace {
 
 constexpr unsigned kSerial = kTumblingSerial;
-constexpr std::uint64_t kMs = 1'000'000ull;
-constexpr std::uint64_t kSecond = 1000 * kMs;
 // Only a guard against hangs. QTRY_* counts its polling steps, not elapsed time, so a failing
 // wait lasts longer than this when the dialog redraws between steps.
 constexpr int kWaitMs = 20000;

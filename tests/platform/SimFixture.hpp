@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "VirtualTime.h"
+
 // QCOMPARE for ERROR_CODE and MODEL values. Inside QTest, argument-dependent lookup prefers
 // bw::toString (which returns const char*) to QTest's own, which does not compile; comparing
 // the numbers keeps the failure output useful.
@@ -20,8 +22,8 @@ using bw::sim::Bus;
 using bw::sim::Clock;
 using bw::sim::DeviceConfig;
 
-constexpr std::uint64_t kMs = 1'000'000ull;
-constexpr std::uint64_t kSecond = 1'000'000'000ull;
+using virtualtime::kMs;
+using virtualtime::kSecond;
 
 // Virtual time from construction on, the given cameras on the bus; no cameras and real time
 // again afterwards.

@@ -10,6 +10,7 @@
 #include <set>
 #include <vector>
 
+#include "VirtualTime.h"
 #include "physics/MotionModel.hpp"
 #include "physics/SensorTimeline.hpp"
 
@@ -27,8 +28,8 @@ using namespace bw::sim;
 namespace {
 
 constexpr std::uint64_t kStart = Clock::kVirtualEpochNs;
-constexpr std::uint64_t kMs = 1'000'000ull;
-constexpr std::uint64_t kSecond = 1'000'000'000ull;
+using virtualtime::kMs;
+using virtualtime::kSecond;
 constexpr double kGravity = 9.80665;
 const Eigen::Vector3d kEarthField(22.0, 0.0, -42.0);  // µT, world: x north, z up
 

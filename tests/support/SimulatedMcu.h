@@ -10,9 +10,13 @@
 #include <memory>
 #include <vector>
 
+#include "VirtualTime.h"
 #include "physics/SensorTimeline.hpp"
 
 namespace simmcu {
+
+using virtualtime::kMs;
+using virtualtime::kSecond;
 
 // The opened micro-controller, or null; `result` gets the open's return code.
 inline std::unique_ptr<bw::ORYXmcu> openMcu(unsigned serial, int* result = nullptr) {
